@@ -1,0 +1,1 @@
+// host Call: to be written

@@ -1,0 +1,1 @@
+// host dlog: to be written

@@ -1,0 +1,1 @@
+// host notification: to be written

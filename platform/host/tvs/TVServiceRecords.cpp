@@ -1,0 +1,60 @@
+#include "TVServiceAPI.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+void TCApiPrintMessage(const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    vfprintf(stderr, format, args);
+    va_end(args);
+    fputc('\n', stderr);
+}
+
+long long TCServiceData::Get(int field) const
+{
+    auto it = m_fields.find(field);
+    if (it != m_fields.end())
+        return it->second;
+    TCApiPrintMessage("*************************** ASSERT TAG ***************************");
+    TCApiPrintMessage("******************* ASSERT: missing tag[%3d] *********************", field);
+    return 0;
+}
+
+namespace {
+std::vector<unsigned short> ToBigEndianUnits(const std::u16string &text)
+{
+    std::vector<unsigned short> units;
+    units.reserve(text.size());
+    for (char16_t c : text) {
+        unsigned short u = static_cast<unsigned short>(c);
+        unsigned char bytes[2] = {static_cast<unsigned char>(u >> 8), static_cast<unsigned char>(u & 0xff)};
+        unsigned short stored;
+        __builtin_memcpy(&stored, bytes, 2);
+        units.push_back(stored);
+    }
+    return units;
+}
+
+bool CopyUnits(const std::vector<unsigned short> &from, unsigned short *buffer, unsigned int *length)
+{
+    if (buffer == nullptr || length == nullptr)
+        return false;
+    unsigned int n = *length < from.size() ? *length : static_cast<unsigned int>(from.size());
+    for (unsigned int i = 0; i < n; ++i)
+        buffer[i] = from[i];
+    *length = n;
+    return true;
+}
+}  // namespace
+
+bool TCProgramData::Title(unsigned short *buffer, unsigned int *length) { return CopyUnits(m_title, buffer, length); }
+bool TCProgramData::ExtendedText(unsigned short *buffer, unsigned int *length)
+{
+    return CopyUnits(m_extendedText, buffer, length);
+}
+void TCProgramData::SetTitle(const std::u16string &text) { m_title = ToBigEndianUnits(text); }
+void TCProgramData::SetExtendedText(const std::u16string &text) { m_extendedText = ToBigEndianUnits(text); }
+
+void TVServiceAPI::Destroy(ITVService *service) { delete service; }

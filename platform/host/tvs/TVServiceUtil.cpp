@@ -1,0 +1,2 @@
+#include "TVServiceAPI.h"
+IUtil *TVServiceAPI::CreateUtil() { return nullptr; }

@@ -1,0 +1,1 @@
+// host tzplatform: to be written

@@ -1,0 +1,1 @@
+// host usb: to be written

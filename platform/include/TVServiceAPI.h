@@ -1,0 +1,126 @@
+// TVS middleware client: services, programme guide, backup and restore.
+#ifndef KELVO_PLATFORM_TVSERVICEAPI_H
+#define KELVO_PLATFORM_TVSERVICEAPI_H
+
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+// Prints one line of the middleware's diagnostics (the "ASSERT TAG" lines among them).
+void TCApiPrintMessage(const char *format, ...) __attribute__((format(printf, 1, 2)));
+
+// A service query: conditions on field numbers, and the fields to fetch.
+class TCCriteriaHelper {
+public:
+    struct Condition {
+        int field;
+        int value;
+        bool negated;  // WhereNot
+    };
+
+    void Where(int field, int value) { m_conditions.push_back({field, value, false}); }
+    void WhereNot(int field, int value) { m_conditions.push_back({field, value, true}); }
+    void Fetch(int field) { m_fetched.push_back(field); }
+
+    const std::vector<Condition> &Conditions() const { return m_conditions; }
+    const std::vector<int> &FetchedFields() const { return m_fetched; }
+
+private:
+    std::vector<Condition> m_conditions;
+    std::vector<int> m_fetched;
+};
+
+// One service record: values by field number. Reading a field the record does not hold
+// prints the middleware's "missing tag" diagnostics and yields 0.
+class TCServiceData {
+public:
+    TCServiceData() = default;
+    virtual ~TCServiceData() = default;
+
+    bool Has(int field) const { return m_fields.count(field) != 0; }
+    long long Get(int field) const;
+    void Set(int field, long long value) { m_fields[field] = value; }
+
+private:
+    std::map<int, long long> m_fields;
+};
+
+// One broadcast guide event. Title and extended text are UTF-16 code units stored
+// big-endian in memory, the middleware's byte order on every target.
+class TCProgramData {
+public:
+    TCProgramData() = default;
+    TCProgramData(const TCProgramData &) = default;
+    TCProgramData &operator=(const TCProgramData &) = default;
+    virtual ~TCProgramData() = default;
+
+    unsigned long long ServiceId() const { return m_serviceId; }
+    unsigned short EventId() const { return m_eventId; }
+    unsigned int StartTime() const { return m_startTime; }
+    unsigned int Duration() const { return m_duration; }
+    // Three characters in the low 24 bits, the first in bits 16 to 23.
+    unsigned int Language() const { return m_language; }
+
+    unsigned int TitleLength() const { return static_cast<unsigned int>(m_title.size()); }
+    // Copies at most *length units into buffer and sets *length to the units copied.
+    bool Title(unsigned short *buffer, unsigned int *length);
+    unsigned int ExtendedTextLength() const { return static_cast<unsigned int>(m_extendedText.size()); }
+    bool ExtendedText(unsigned short *buffer, unsigned int *length);
+
+    void SetServiceId(unsigned long long v) { m_serviceId = v; }
+    void SetEventId(unsigned short v) { m_eventId = v; }
+    void SetStartTime(unsigned int v) { m_startTime = v; }
+    void SetDuration(unsigned int v) { m_duration = v; }
+    void SetLanguage(unsigned int v) { m_language = v; }
+    // Units in host order; stored big-endian.
+    void SetTitle(const std::u16string &text);
+    void SetExtendedText(const std::u16string &text);
+
+private:
+    unsigned long long m_serviceId = 0;
+    unsigned short m_eventId = 0;
+    unsigned int m_startTime = 0;
+    unsigned int m_duration = 0;
+    unsigned int m_language = 0;
+    std::vector<unsigned short> m_title;         // big-endian units
+    std::vector<unsigned short> m_extendedText;  // big-endian units
+};
+
+class ITVService {
+public:
+    virtual ~ITVService() = default;
+};
+
+class IService : public ITVService {
+public:
+    // Services matching the criteria, each with the fetched fields; the caller deletes them.
+    virtual int FindServiceList(const TCCriteriaHelper &criteria, std::list<TCServiceData *> &out) = 0;
+    // Regenerates the channel-map memory dump (tvs-chms/data/CHMS_Memory_Dump.sqlite).
+    virtual int WriteChannelMapMemoryDump() = 0;
+};
+
+class IServiceGuide : public ITVService {
+public:
+    // Events of the service starting in [startTime, startTime + duration), keyed by event id;
+    // the caller deletes them. Returns the number of events.
+    virtual int FindProgramList(unsigned long long serviceId, unsigned int startTime, unsigned int duration,
+                                std::map<unsigned int, TCProgramData *> &out) = 0;
+};
+
+class IUtil : public ITVService {
+public:
+    // > 0 on success.
+    virtual int BackupTVSData(const char *folder) = 0;
+    virtual int RestoreTVSData(const char *folder) = 0;
+};
+
+class TVServiceAPI {
+public:
+    static IService *CreateService();
+    static IServiceGuide *CreateServiceGuide();
+    static IUtil *CreateUtil();
+    static void Destroy(ITVService *service);
+};
+
+#endif
