@@ -1,3 +1,98 @@
+// The TV simulator's service and guide interfaces over the state of TVServiceDataStore.h (the tag
+// numbers and what a missing tag means are told there).
+#include <memory>
+
 #include "TVServiceAPI.h"
-IService *TVServiceAPI::CreateService() { return nullptr; }
-IServiceGuide *TVServiceAPI::CreateServiceGuide() { return nullptr; }
+#include "TVServiceDataStore.h"
+#include "tzplatform_config.h"
+
+namespace {
+bool PathUnder(tzplatform_variable variable, const char *name, std::string &out)
+{
+    const char *base = tzplatform_getenv(variable);
+    if (base == nullptr) {
+        TCApiPrintMessage("[TVS] platform folder %d is not set", static_cast<int>(variable));
+        return false;
+    }
+    out = std::string(base) + "/" + name;
+    return true;
+}
+
+bool Satisfies(const TCStoredService &service, const TCCriteriaHelper::Condition &condition)
+{
+    auto it = service.tags.find(condition.field);
+    bool equal = it != service.tags.end() && it->second == condition.value;
+    return condition.negated ? !equal : equal;
+}
+
+class TCServiceSimulator : public IService {
+public:
+    int FindServiceList(const TCCriteriaHelper &criteria, std::list<TCServiceData *> &out) override
+    {
+        std::string path;
+        std::vector<TCStoredService> services;
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::SERVICE_DB_NAME, path) ||
+            !TCServiceDataStore::ReadServices(path, services))
+            return -1;
+        int found = 0;
+        for (const auto &service : services) {
+            bool match = true;
+            for (const auto &condition : criteria.Conditions())
+                match = match && Satisfies(service, condition);
+            if (!match)
+                continue;
+            // Only the fetched tags travel, as from the middleware's query.
+            auto data = std::make_unique<TCServiceData>();
+            for (int field : criteria.FetchedFields()) {
+                auto it = service.tags.find(field);
+                if (it != service.tags.end())
+                    data->Set(field, it->second);
+            }
+            out.push_back(data.release());
+            ++found;
+        }
+        return found;
+    }
+
+    int WriteChannelMapMemoryDump() override
+    {
+        std::string services;
+        std::string dump;
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::SERVICE_DB_NAME, services) ||
+            !PathUnder(TZ_SYS_RW_APP, TCServiceDataStore::CHANNEL_MAP_DUMP, dump))
+            return -1;
+        return TCServiceDataStore::WriteChannelMapDump(services, dump) ? 1 : -1;
+    }
+};
+
+class TCServiceGuideSimulator : public IServiceGuide {
+public:
+    int FindProgramList(unsigned long long serviceId, unsigned int startTime, unsigned int duration,
+                        std::map<unsigned int, TCProgramData *> &out) override
+    {
+        std::string path;
+        std::vector<TCStoredEvent> events;
+        long long from = startTime;
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::GUIDE_DB_NAME, path) ||
+            !TCServiceDataStore::ReadEvents(path, serviceId, from, from + duration, events))
+            return 0;
+        for (const auto &e : events) {
+            auto data = std::make_unique<TCProgramData>();
+            data->SetServiceId(serviceId);
+            data->SetEventId(static_cast<unsigned short>(e.eventId));
+            data->SetStartTime(static_cast<unsigned int>(e.startTime));
+            data->SetDuration(static_cast<unsigned int>(e.duration));
+            data->SetLanguage(TCServiceDataStore::LanguageCode(e.language));
+            data->SetTitle(TCServiceDataStore::Utf8ToUtf16(e.title));
+            data->SetExtendedText(TCServiceDataStore::Utf8ToUtf16(e.extendedText));
+            TCProgramData *&slot = out[e.eventId];
+            delete slot;
+            slot = data.release();
+        }
+        return static_cast<int>(out.size());
+    }
+};
+}  // namespace
+
+IService *TVServiceAPI::CreateService() { return new TCServiceSimulator(); }
+IServiceGuide *TVServiceAPI::CreateServiceGuide() { return new TCServiceGuideSimulator(); }

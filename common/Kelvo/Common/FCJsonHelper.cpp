@@ -1,0 +1,69 @@
+#include "FCJsonHelper.h"
+
+#include <memory>
+
+#include "FCDebug.h"
+
+bool FCJsonHelper::ParseToJson(const std::string &text, Json::Value &out)
+{
+    Json::CharReaderBuilder builder;
+    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    std::string errors;
+    // The reader raises, rather than fails, on nesting deeper than its stack limit; a reply
+    // from the daemon may hold anything, so that is a parse failure like any other.
+    try {
+        return reader->parse(text.data(), text.data() + text.size(), &out, &errors);
+    } catch (const Json::Exception &) {
+        return false;
+    }
+}
+
+bool FCJsonHelper::ParseReturnBoolean(std::string &text)
+{
+    Json::Value reply;
+    if (!ParseToJson(text, reply)) {
+        FC_LOGE("%s: %s(%d) > [%d][%d][FCJsonHelper::%s] fail to parse json output data\n", FC_PID_TID, __func__);
+        return false;
+    }
+    // A reply of another shape than {"ret": bool} answers no.
+    if (!reply.isObject())
+        return false;
+    const Json::Value &ret = reply["ret"];
+    return (ret.isBool() || ret.isNumeric()) && ret.asBool();
+}
+
+bool FCJsonHelper::AppendMetaDataToGivenJson(std::string metaText, Json::Value &target)
+{
+    Json::Value meta;
+    if (!ParseToJson(metaText, meta))
+        return false;
+    if (!meta.isObject())
+        return true;
+    for (auto it = meta.begin(); it != meta.end(); ++it) {
+        if (it->isString() && it->asString().empty())
+            continue;
+        target[it.name()] = *it;
+    }
+    return true;
+}
+
+std::string FCJsonHelper::GetMetaJsonStringWithExceptionTags(Json::Value meta, std::set<std::string> &exceptionTags)
+{
+    Json::Value filtered(Json::objectValue);
+    if (!meta.isObject())
+        return WriteCompact(filtered);
+    for (auto it = meta.begin(); it != meta.end(); ++it) {
+        const std::string key = it.name();
+        if (exceptionTags.count(key) != 0 || (it->isString() && it->asString().empty()))
+            continue;
+        filtered[key] = *it;
+    }
+    return WriteCompact(filtered);
+}
+
+std::string FCJsonHelper::WriteCompact(const Json::Value &value)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    return Json::writeString(builder, value);
+}

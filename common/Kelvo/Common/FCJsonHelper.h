@@ -1,0 +1,24 @@
+// Parsing of daemon replies and merging or filtering of metadata objects.
+#ifndef KELVO_FCJSONHELPER_H
+#define KELVO_FCJSONHELPER_H
+
+#include <set>
+#include <string>
+
+#include <json/json.h>
+
+class FCJsonHelper {
+public:
+    static bool ParseToJson(const std::string &text, Json::Value &out);
+    // The reply form of every method that only answers success or failure: {"ret": bool}.
+    static bool ParseReturnBoolean(std::string &text);
+    // Copies every member of metaText's object into target except empty strings.
+    static bool AppendMetaDataToGivenJson(std::string metaText, Json::Value &target);
+    // meta without the excepted keys and without empty strings, as compact JSON text.
+    static std::string GetMetaJsonStringWithExceptionTags(Json::Value meta, std::set<std::string> &exceptionTags);
+
+    // Compact single-line JSON text, the form every argument travels in.
+    static std::string WriteCompact(const Json::Value &value);
+};
+
+#endif

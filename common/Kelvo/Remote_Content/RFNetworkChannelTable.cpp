@@ -1,0 +1,7 @@
+#include "RFNetworkChannelTable.h"
+
+bool FCRFNetworkChannelTable::AppendRFNetworkChannel(unsigned long long &serviceId)
+{
+    m_rfNetworkChannelList.push_back(serviceId);
+    return true;
+}

@@ -1,0 +1,3 @@
+#include "MBRNetworkChannelManager_Proxy.h"
+
+FCMBRNetworkChannelManager_Proxy::~FCMBRNetworkChannelManager_Proxy() {}

@@ -1,0 +1,3 @@
+#include "FCACRSupport_Proxy.h"
+
+FCACRSupport_Proxy::~FCACRSupport_Proxy() {}

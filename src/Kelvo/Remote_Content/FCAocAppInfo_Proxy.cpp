@@ -1,0 +1,3 @@
+#include "FCAocAppInfo_Proxy.h"
+
+FCAocAppInfo_Proxy::~FCAocAppInfo_Proxy() {}

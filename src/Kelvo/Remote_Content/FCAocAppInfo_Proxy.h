@@ -1,0 +1,15 @@
+// Client of the daemon's app-on-channel application information; handed out by FCAPI.
+#ifndef KELVO_FCAOCAPPINFO_PROXY_H
+#define KELVO_FCAOCAPPINFO_PROXY_H
+
+class FCAocAppInfoAPI {
+public:
+    virtual ~FCAocAppInfoAPI() {}
+};
+
+class FCAocAppInfo_Proxy : public FCAocAppInfoAPI {
+public:
+    ~FCAocAppInfo_Proxy() override;
+};
+
+#endif

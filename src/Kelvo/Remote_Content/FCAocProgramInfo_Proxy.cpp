@@ -1,0 +1,3 @@
+#include "FCAocProgramInfo_Proxy.h"
+
+FCAocProgramInfo_Proxy::~FCAocProgramInfo_Proxy() {}

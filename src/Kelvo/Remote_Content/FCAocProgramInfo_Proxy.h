@@ -1,0 +1,15 @@
+// Client of the daemon's app-on-channel programme guide; handed out by FCAPI.
+#ifndef KELVO_FCAOCPROGRAMINFO_PROXY_H
+#define KELVO_FCAOCPROGRAMINFO_PROXY_H
+
+class FCAocProgramInfoAPI {
+public:
+    virtual ~FCAocProgramInfoAPI() {}
+};
+
+class FCAocProgramInfo_Proxy : public FCAocProgramInfoAPI {
+public:
+    ~FCAocProgramInfo_Proxy() override;
+};
+
+#endif

@@ -1,0 +1,3 @@
+#include "FCTVLumeControl_Proxy.h"
+
+FCTVLumeControl_Proxy::~FCTVLumeControl_Proxy() {}

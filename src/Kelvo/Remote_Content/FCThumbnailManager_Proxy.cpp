@@ -1,0 +1,3 @@
+#include "FCThumbnailManager_Proxy.h"
+
+FCThumbnailManager_Proxy::~FCThumbnailManager_Proxy() {}

@@ -1,0 +1,3 @@
+#include "FCVirtualChannels_Proxy.h"
+
+FCVirtualChannels_Proxy::~FCVirtualChannels_Proxy() {}

@@ -1,0 +1,3 @@
+#include "RFNetworkChannelManager_Proxy.h"
+
+FCRFNetworkChannelManager_Proxy::~FCRFNetworkChannelManager_Proxy() {}

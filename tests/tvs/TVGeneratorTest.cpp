@@ -1,0 +1,146 @@
+// The reference TV: the same seed makes the same TV, and what the generator promises in its
+// expectations is what the simulator and the fixture really hold (the dump's integration tests
+// compare against those promises).
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <list>
+#include <map>
+#include <set>
+
+#include "TVServiceAPI.h"
+#include "TvsTestState.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+const long long NOW = 1795000000;
+
+int Generate(const std::string &root, const std::string &seed, int services = 60, long long now = NOW)
+{
+    std::string command = std::string(KELVO_TV_GEN) + " --opt " + root + "/opt --fixture " + root +
+                          "/fixture.json --services " + std::to_string(services) + " --seed " + seed + " --now " +
+                          std::to_string(now);
+    return std::system(command.c_str());
+}
+
+std::map<std::string, std::string> Files(const std::string &root)
+{
+    std::map<std::string, std::string> files;
+    for (const auto &entry : fs::recursive_directory_iterator(root))
+        if (entry.is_regular_file())
+            files[fs::relative(entry.path(), root).string()] = TvsTestState::Slurp(entry.path().string());
+    return files;
+}
+
+Json::Value ReadJson(const std::string &path)
+{
+    Json::Value value;
+    std::ifstream in(path);
+    Json::CharReaderBuilder builder;
+    std::string errors;
+    EXPECT_TRUE(Json::parseFromStream(builder, in, &value, &errors)) << path << ": " << errors;
+    return value;
+}
+}  // namespace
+
+TEST(ReferenceTv, SameSeedSameFilesOtherSeedOtherTv)
+{
+    TvsTestState a, b, c;
+    ASSERT_EQ(Generate(a.Root(), "7"), 0);
+    ASSERT_EQ(Generate(b.Root(), "7"), 0);
+    ASSERT_EQ(Generate(c.Root(), "8"), 0);
+    auto first = Files(a.Root());
+    auto second = Files(b.Root());
+    ASSERT_GT(first.size(), 15u);
+    EXPECT_EQ(first, second);
+    auto other = Files(c.Root());
+    EXPECT_NE(first.at("fixture.json"), other.at("fixture.json"));
+    EXPECT_NE(first.at("opt/dbspace/db-tvs-service.db"), other.at("opt/dbspace/db-tvs-service.db"));
+}
+
+TEST(ReferenceTv, RefusesBadArguments)
+{
+    TvsTestState state;
+    for (const char *arguments : {"", " --opt /nonexistent-parent-for-sure", " --services 0 --opt x --fixture y",
+                                  " --now tomorrow --opt x --fixture y", " --services"}) {
+        std::string command = std::string(KELVO_TV_GEN) + arguments + " 2>/dev/null";
+        EXPECT_NE(std::system(command.c_str()), 0) << arguments;
+    }
+}
+
+// The simulator, asked as the export asks, gives exactly the services and guide rows that the
+// expectations list, and the fixture maps sources as the expectations say.
+TEST(ReferenceTv, ExpectationsMatchWhatTheSimulatorAndFixtureHold)
+{
+    TvsTestState state;
+    ASSERT_EQ(Generate(state.Root(), "20261121", 120), 0);
+    setenv("TZ_SYS_DB", (state.Root() + "/opt/dbspace").c_str(), 1);
+    Json::Value expected = ReadJson(state.Root() + "/expected.json");
+    Json::Value fixture = ReadJson(state.Root() + "/fixture.json");
+
+    TCCriteriaHelper criteria;
+    criteria.WhereNot(17, -1);
+    criteria.Where(9, 1);
+    for (int tag : {12, 13, 14, 1, 2})
+        criteria.Fetch(tag);
+    IService *service = TVServiceAPI::CreateService();
+    std::list<TCServiceData *> list;
+    service->FindServiceList(criteria, list);
+    TVServiceAPI::Destroy(service);
+    std::vector<std::string> ids;
+    for (TCServiceData *data : list) {
+        ids.push_back(std::to_string(static_cast<unsigned long long>(data->Get(12))));
+        delete data;
+    }
+    std::vector<std::string> promised;
+    for (const auto &id : expected["selectedServices"])
+        promised.push_back(id.asString());
+    EXPECT_EQ(ids, promised);
+    EXPECT_GT(expected["excludedServices"].asInt(), 0) << "the TV must hold services the export leaves out";
+    EXPECT_GT(expected["selectedWithoutMinor"].size(), 0u) << "and selected services lacking a fetched tag";
+
+    // Any start up to the end of the quiet period gives the same rows.
+    for (long long start : {NOW, static_cast<long long>(expected["windowStartLatest"].asInt64())}) {
+        IServiceGuide *guide = TVServiceAPI::CreateServiceGuide();
+        int rows = 0;
+        int servicesWithoutGuide = 0;
+        for (const auto &id : promised) {
+            std::map<unsigned int, TCProgramData *> events;
+            int count = guide->FindProgramList(std::stoull(id), static_cast<unsigned int>(start), 86400, events);
+            rows += count;
+            servicesWithoutGuide += count == 0;
+            EXPECT_EQ(count, expected["rfRowsPerService"].get(id, 0).asInt()) << id;
+            for (auto &entry : events)
+                delete entry.second;
+        }
+        TVServiceAPI::Destroy(guide);
+        EXPECT_EQ(rows, expected["rfRowsInWindow"].asInt()) << "window from " << start;
+        EXPECT_GT(servicesWithoutGuide, 0) << "some selected services broadcast no guide";
+    }
+
+    std::set<std::string> unmatched;
+    for (const auto &id : expected["unmatchedSources"])
+        unmatched.insert(id.asString());
+    EXPECT_GE(unmatched.size(), 3u);
+    int metaRows = 0;
+    for (const auto &source : expected["sourcesInWindow"]) {
+        std::string id = source.asString();
+        EXPECT_EQ(fixture["sourceToService"].isMember(id), unmatched.count(id) == 0) << id;
+        int inWindow = 0;
+        for (const auto &programme : fixture["programs"][id]) {
+            EXPECT_EQ(programme["program source id"].asString(), id);
+            long long begin = programme["utc start time"].asInt64();
+            inWindow += begin >= NOW && begin < NOW + 86400;
+        }
+        EXPECT_EQ(inWindow, expected["metaRowsPerSource"][id].asInt()) << id;
+        metaRows += inWindow;
+    }
+    EXPECT_EQ(metaRows, expected["metaRowsInWindow"].asInt());
+    EXPECT_GT(fixture["programs"].size(), expected["sourcesInWindow"].size())
+        << "a source the server sends nothing for in the coming day";
+}

@@ -1,0 +1,392 @@
+// kelvo-daemon-sim: the content daemon of the simulated TV. Owns com.halvorn.tv.KelvoDaemon on
+// the session bus and answers the provider's wire methods from a fixture; see README.md.
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <json/json.h>
+#include <systemd/sd-bus.h>
+#include <systemd/sd-event.h>
+#include <unistd.h>
+
+#include "SimContent.h"
+
+namespace {
+
+const char* const kBusName = "com.halvorn.tv.KelvoDaemon";
+const char* const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
+const char* const kProvider = "com.halvorn.tv.KelvoDaemon.Provider";
+const char* const kControl = "com.halvorn.tv.KelvoDaemon.Control";
+const char* const kIntrospectable = "org.freedesktop.DBus.Introspectable";
+const Json::ArrayIndex kMaxRecordsInMemory = 100000;
+
+struct Options {
+    std::string fixture;
+    std::string record;
+    std::string script;
+    std::string address;
+    int readyFd = -1;
+};
+
+void Usage(FILE* to) {
+    fprintf(to,
+            "usage: kelvo-daemon-sim [--fixture FILE] [--record FILE] [--script FILE]\n"
+            "                        [--address BUS-ADDRESS] [--ready-fd FD]\n"
+            "Answers the content daemon's wire methods on the session bus (or BUS-ADDRESS).\n");
+}
+
+bool ParseJsonText(const std::string& text, Json::Value& out, std::string& error) {
+    Json::CharReaderBuilder builder;
+    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    return reader->parse(text.data(), text.data() + text.size(), &out, &error);
+}
+
+bool ReadJsonFile(const std::string& path, Json::Value& out, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = "cannot read " + path + ": " + strerror(errno);
+        return false;
+    }
+    std::stringstream buffer;
+    buffer << in.rdbuf();
+    if (!ParseJsonText(buffer.str(), out, error)) {
+        error = path + ": " + error;
+        return false;
+    }
+    return true;
+}
+
+// A script entry is valid when it is an object whose known members have the right kind.
+bool ValidScriptEntry(const Json::Value& entry) {
+    if (!entry.isObject()) return false;
+    if (entry.isMember("reply") && !entry["reply"].isString() && !entry["reply"].isObject()) return false;
+    if (entry.isMember("error") && !entry["error"].isString()) return false;
+    if (entry.isMember("message") && !entry["message"].isString()) return false;
+    if (entry.isMember("delay_ms") && !entry["delay_ms"].isUInt()) return false;
+    return true;
+}
+
+class Daemon {
+public:
+    Daemon(sd_event* event, KelvoSimContent& content) : m_event(event), m_content(content) {}
+    ~Daemon() {
+        if (m_record) fclose(m_record);
+    }
+
+    bool OpenRecord(const std::string& path) {
+        m_record = fopen(path.c_str(), "a");
+        return m_record != nullptr;
+    }
+
+    bool LoadScript(const Json::Value& script, std::string& error) {
+        if (!script.isObject()) {
+            error = "the script is not a JSON object";
+            return false;
+        }
+        for (const auto& method : script.getMemberNames()) {
+            if (!ValidScriptEntry(script[method])) {
+                error = "script entry \"" + method + "\" is not {\"reply\"|\"error\"|\"delay_ms\"...}";
+                return false;
+            }
+        }
+        m_script = script;
+        return true;
+    }
+
+    static int OnMessage(sd_bus_message* m, void* userdata, sd_bus_error* error) {
+        return static_cast<Daemon*>(userdata)->m_Dispatch(m, error);
+    }
+
+private:
+    struct Pending {
+        Daemon* daemon;
+        sd_bus_message* call;
+        Json::Value entry;
+        sd_event_source* timer;
+    };
+
+    int m_Dispatch(sd_bus_message* m, sd_bus_error* error) {
+        if (!sd_bus_message_is_method_call(m, nullptr, nullptr)) return 0;
+        const char* interface = sd_bus_message_get_interface(m);
+        const char* member = sd_bus_message_get_member(m);
+        if (!member) return 0;
+        if (interface && strcmp(interface, kIntrospectable) == 0 && strcmp(member, "Introspect") == 0) {
+            return sd_bus_reply_method_return(m, "s", m_Introspection().c_str());
+        }
+        if (interface && strcmp(interface, kControl) == 0) return m_Control(m, member, error);
+        // A call without an interface is meant for the provider, as D-Bus allows.
+        if (interface && strcmp(interface, kProvider) != 0) return 0;
+
+        const char* argument = nullptr;
+        if (!sd_bus_message_has_signature(m, "s") || sd_bus_message_read(m, "s", &argument) < 0) {
+            return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "%s takes one string (JSON text)", member);
+        }
+        m_Record(member, argument);
+
+        if (m_script.isMember(member)) {
+            const Json::Value& entry = m_script[member];
+            unsigned delay = entry.get("delay_ms", 0).asUInt();
+            if (delay > 0) return m_Defer(m, entry, delay);
+            return m_Reply(m, member, argument, &entry);
+        }
+        return m_Reply(m, member, argument, nullptr);
+    }
+
+    int m_Reply(sd_bus_message* m, const char* member, const char* argument, const Json::Value* entry) {
+        if (entry && entry->isMember("error")) {
+            std::string message = entry->get("message", std::string("scripted failure of ") + member).asString();
+            return sd_bus_reply_method_errorf(m, (*entry)["error"].asCString(), "%s", message.c_str());
+        }
+        if (entry && entry->isMember("reply")) {
+            const Json::Value& reply = (*entry)["reply"];
+            std::string text = reply.isString() ? reply.asString() : KelvoSimContent::ToCompactText(reply);
+            return sd_bus_reply_method_return(m, "s", text.c_str());
+        }
+        Json::Value reply;
+        if (!m_content.Answer(member, argument, reply)) {
+            return sd_bus_reply_method_errorf(m, SD_BUS_ERROR_UNKNOWN_METHOD, "Unknown method %s", member);
+        }
+        return sd_bus_reply_method_return(m, "s", KelvoSimContent::ToCompactText(reply).c_str());
+    }
+
+    // A delayed answer does not hold up the other callers: the call is kept and answered from a
+    // timer of the event loop.
+    int m_Defer(sd_bus_message* m, const Json::Value& entry, unsigned delayMs) {
+        auto* pending = new Pending{this, sd_bus_message_ref(m), entry, nullptr};
+        int r = sd_event_add_time_relative(m_event, &pending->timer, CLOCK_MONOTONIC,
+                                           static_cast<uint64_t>(delayMs) * 1000, 0, &Daemon::OnTimer, pending);
+        if (r < 0) {
+            sd_bus_message_unref(pending->call);
+            delete pending;
+            return r;
+        }
+        return 1;
+    }
+
+    static int OnTimer(sd_event_source* source, uint64_t, void* userdata) {
+        auto* pending = static_cast<Pending*>(userdata);
+        const char* argument = nullptr;
+        sd_bus_message_rewind(pending->call, 1);
+        sd_bus_message_read(pending->call, "s", &argument);
+        pending->daemon->m_Reply(pending->call, sd_bus_message_get_member(pending->call), argument ? argument : "",
+                                 &pending->entry);
+        sd_bus_message_unref(pending->call);
+        sd_event_source_unref(source);
+        delete pending;
+        return 0;
+    }
+
+    int m_Control(sd_bus_message* m, const char* member, sd_bus_error* error) {
+        if (strcmp(member, "SetScript") == 0) {
+            const char* method = nullptr;
+            const char* text = nullptr;
+            if (sd_bus_message_read(m, "ss", &method, &text) < 0) {
+                return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "SetScript takes (method, entry)");
+            }
+            Json::Value entry;
+            std::string parseError;
+            if (*text == '\0') {
+                m_script.removeMember(method);
+            } else if (!ParseJsonText(text, entry, parseError) || !ValidScriptEntry(entry)) {
+                return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "bad script entry for %s", method);
+            } else {
+                m_script[method] = entry;
+            }
+            return sd_bus_reply_method_return(m, "");
+        }
+        if (strcmp(member, "ClearScript") == 0) {
+            m_script = Json::Value(Json::objectValue);
+            return sd_bus_reply_method_return(m, "");
+        }
+        if (strcmp(member, "SetFixture") == 0) {
+            const char* text = nullptr;
+            Json::Value fixture;
+            std::string loadError;
+            if (sd_bus_message_read(m, "s", &text) < 0 || !ParseJsonText(text, fixture, loadError) ||
+                !m_content.Load(fixture, loadError)) {
+                return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "bad fixture: %s", loadError.c_str());
+            }
+            return sd_bus_reply_method_return(m, "");
+        }
+        if (strcmp(member, "GetRecords") == 0) {
+            return sd_bus_reply_method_return(m, "s", KelvoSimContent::ToCompactText(m_records).c_str());
+        }
+        if (strcmp(member, "ClearRecords") == 0) {
+            m_records = Json::Value(Json::arrayValue);
+            return sd_bus_reply_method_return(m, "");
+        }
+        return sd_bus_error_setf(error, SD_BUS_ERROR_UNKNOWN_METHOD, "Unknown method %s", member);
+    }
+
+    void m_Record(const char* method, const char* argument) {
+        Json::Value line(Json::objectValue);
+        line["method"] = method;
+        line["argument"] = argument;
+        // Kept in memory for GetRecords up to a bound, so a long load run does not grow without end.
+        if (m_records.size() < kMaxRecordsInMemory) m_records.append(line);
+        if (m_record) {
+            // Written by hand so that "method" leads the line, as a person reading the file expects.
+            fprintf(m_record, "{\"method\":%s,\"argument\":%s}\n",
+                    KelvoSimContent::ToCompactText(line["method"]).c_str(),
+                    KelvoSimContent::ToCompactText(line["argument"]).c_str());
+            fflush(m_record);
+        }
+    }
+
+    std::string m_Introspection() const {
+        std::string xml =
+            "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\"\n"
+            " \"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n"
+            " <interface name=\"org.freedesktop.DBus.Introspectable\">\n"
+            "  <method name=\"Introspect\"><arg name=\"xml\" type=\"s\" direction=\"out\"/></method>\n"
+            " </interface>\n";
+        xml += std::string(" <interface name=\"") + kProvider + "\">\n";
+        for (const auto& method : KelvoSimContent::Methods()) {
+            xml += "  <method name=\"" + method +
+                   "\"><arg name=\"argument\" type=\"s\" direction=\"in\"/>"
+                   "<arg name=\"reply\" type=\"s\" direction=\"out\"/></method>\n";
+        }
+        xml += " </interface>\n";
+        xml += std::string(" <interface name=\"") + kControl + "\">\n" +
+               "  <method name=\"SetScript\"><arg name=\"method\" type=\"s\" direction=\"in\"/>"
+               "<arg name=\"entry\" type=\"s\" direction=\"in\"/></method>\n"
+               "  <method name=\"ClearScript\"/>\n"
+               "  <method name=\"SetFixture\"><arg name=\"fixture\" type=\"s\" direction=\"in\"/></method>\n"
+               "  <method name=\"GetRecords\"><arg name=\"records\" type=\"s\" direction=\"out\"/></method>\n"
+               "  <method name=\"ClearRecords\"/>\n"
+               " </interface>\n</node>\n";
+        return xml;
+    }
+
+    sd_event* m_event;
+    KelvoSimContent& m_content;
+    Json::Value m_script{Json::objectValue};
+    Json::Value m_records{Json::arrayValue};
+    FILE* m_record = nullptr;
+};
+
+bool ParseOptions(int argc, char** argv, Options& options) {
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        auto value = [&](std::string& out) {
+            if (i + 1 >= argc) return false;
+            out = argv[++i];
+            return true;
+        };
+        std::string fd;
+        if (arg == "--fixture") {
+            if (!value(options.fixture)) return false;
+        } else if (arg == "--record") {
+            if (!value(options.record)) return false;
+        } else if (arg == "--script") {
+            if (!value(options.script)) return false;
+        } else if (arg == "--address") {
+            if (!value(options.address)) return false;
+        } else if (arg == "--ready-fd") {
+            if (!value(fd)) return false;
+            char* end = nullptr;
+            long n = strtol(fd.c_str(), &end, 10);
+            if (fd.empty() || *end != '\0' || n < 0) return false;
+            options.readyFd = static_cast<int>(n);
+        } else if (arg == "--help" || arg == "-h") {
+            Usage(stdout);
+            exit(0);
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
+int OpenBus(const std::string& address, sd_bus** bus) {
+    if (address.empty()) return sd_bus_open_user(bus);
+    int r = sd_bus_new(bus);
+    if (r < 0) return r;
+    if ((r = sd_bus_set_address(*bus, address.c_str())) < 0 || (r = sd_bus_set_bus_client(*bus, 1)) < 0 ||
+        (r = sd_bus_start(*bus)) < 0) {
+        *bus = sd_bus_unref(*bus);
+    }
+    return r;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    if (!ParseOptions(argc, argv, options)) {
+        Usage(stderr);
+        return 2;
+    }
+
+    KelvoSimContent content;
+    std::string error;
+    Json::Value fixture(Json::objectValue);
+    if (!options.fixture.empty() && !ReadJsonFile(options.fixture, fixture, error)) {
+        fprintf(stderr, "kelvo-daemon-sim: %s\n", error.c_str());
+        return 2;
+    }
+    if (!content.Load(fixture, error)) {
+        fprintf(stderr, "kelvo-daemon-sim: %s: %s\n", options.fixture.c_str(), error.c_str());
+        return 2;
+    }
+
+    // Signals arrive through the event loop, which then ends and lets everything close cleanly.
+    sigset_t mask;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGTERM);
+    sigaddset(&mask, SIGINT);
+    sigprocmask(SIG_BLOCK, &mask, nullptr);
+
+    sd_event* event = nullptr;
+    sd_bus* bus = nullptr;
+    int r = sd_event_default(&event);
+    if (r >= 0) r = sd_event_add_signal(event, nullptr, SIGTERM, nullptr, nullptr);
+    if (r >= 0) r = sd_event_add_signal(event, nullptr, SIGINT, nullptr, nullptr);
+    if (r < 0) {
+        fprintf(stderr, "kelvo-daemon-sim: event loop: %s\n", strerror(-r));
+        return 1;
+    }
+
+    int status = 1;
+    {
+        Daemon daemon(event, content);
+        Json::Value script;
+        if (!options.record.empty() && !daemon.OpenRecord(options.record)) {
+            fprintf(stderr, "kelvo-daemon-sim: cannot open %s: %s\n", options.record.c_str(), strerror(errno));
+            status = 2;
+        } else if (!options.script.empty() &&
+                   (!ReadJsonFile(options.script, script, error) || !daemon.LoadScript(script, error))) {
+            fprintf(stderr, "kelvo-daemon-sim: %s\n", error.c_str());
+            status = 2;
+        } else if ((r = OpenBus(options.address, &bus)) < 0) {
+            fprintf(stderr, "kelvo-daemon-sim: no bus: %s\n", strerror(-r));
+        } else if ((r = sd_bus_add_object(bus, nullptr, kObjectPath, &Daemon::OnMessage, &daemon)) < 0 ||
+                   (r = sd_bus_attach_event(bus, event, SD_EVENT_PRIORITY_NORMAL)) < 0 ||
+                   (r = sd_bus_set_exit_on_disconnect(bus, 1)) < 0) {
+            fprintf(stderr, "kelvo-daemon-sim: bus setup: %s\n", strerror(-r));
+        } else if ((r = sd_bus_request_name(bus, kBusName, 0)) < 0) {
+            fprintf(stderr, "kelvo-daemon-sim: cannot own %s: %s\n", kBusName, strerror(-r));
+        } else {
+            if (options.readyFd >= 0) {
+                (void)!write(options.readyFd, "ready\n", 6);
+                close(options.readyFd);
+            }
+            r = sd_event_loop(event);
+            status = r < 0 ? 1 : 0;
+        }
+        if (bus) {
+            sd_bus_flush(bus);
+            sd_bus_detach_event(bus);
+            bus = sd_bus_close_unref(bus);
+        }
+    }
+    sd_event_unref(event);
+    return status;
+}

@@ -1,0 +1,579 @@
+#include "TVGenerator.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace {
+const long long DAY = 86400;
+// No guide event and no server programme starts in the first QUIET seconds after "now" or after
+// "now" + one day: a dump that starts up to QUIET seconds after the TV was made exports exactly
+// the same rows as one that starts at "now".
+const long long QUIET = 1800;
+
+const char *const APP_ROOT = "/usr/home/owner/apps_rw";
+const char *const RW_APP = "/usr/globalapps";
+const char *const SYS_DB = "/dbspace";
+const char *const DAEMON_DATA = "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data";
+
+struct Language {
+    const char *code;  // the middleware's three letters
+    const char *meta;  // the server's code
+    std::vector<std::string> titles;
+    std::vector<std::string> texts;
+};
+
+// Broadcast texts in several languages and scripts, with the characters that a dump must carry
+// through unharmed or store by its quoting rule: apostrophes, "%%" and "%s", and characters
+// outside the Basic Multilingual Plane (surrogate pairs in the middleware's UTF-16).
+const std::vector<Language> &Languages()
+{
+    static const std::vector<Language> languages = {
+        {"eng", "en",
+         {"Evening News", "The Chef's Table", "100%% Natural", "The %s Quiz Hour", "Music 𝄞 Hall",
+          "Late Night with Sam O'Neil", "Wildlife Diaries", "Movie Night 🎬"},
+         {"Headlines, weather and sport from around the region.", "Tonight's guest cooks a five-course dinner.",
+          "A documentary that is 50%% fact and 50%% legend.", "Contestants fill in the %s blanks.",
+          "Live from the concert hall: Bach's cello suites."}},
+        {"deu", "de",
+         {"Tagesschau", "Tatort: Schöne Grüße", "Die Sendung mit der Maus", "Straßenfeger"},
+         {"Nachrichten und Wetter für Österreich und die Schweiz.", "Kommissarin Lürsen ermittelt in Bremen.",
+          "Lach- und Sachgeschichten für Kinder."}},
+        {"fra", "fr",
+         {"Journal de 20 h – Météo", "L'Île mystérieuse", "Des chiffres et des lettres"},
+         {"L'actualité du jour, présentée en direct.", "Une aventure d'après Jules Verne : « naufragés »."}},
+        {"kor", "ko",
+         {"뉴스 9", "런닝맨", "한국인의 밥상 🍚"},
+         {"오늘의 주요 뉴스와 날씨를 전해 드립니다.", "전국의 맛있는 밥상을 찾아 떠나는 여행."}},
+        {"jpn", "ja",
+         {"ニュースウオッチ9", "きょうの料理", "𠮷野家の一日"},
+         {"全国と世界の最新ニュースをお伝えします。", "旬の食材を使った簡単レシピ。"}},
+        {"spa", "es",
+         {"Noticias del día", "¿Quién quiere ser millonario?", "El 100%% de la verdad"},
+         {"Resumen informativo con la información más relevante.", "Concurso de preguntas y respuestas."}},
+        {"rus", "ru",
+         {"Время", "Что? Где? Когда?"},
+         {"Информационная программа Первого канала.", "Интеллектуальная игра знатоков."}},
+        {"ell", "el",
+         {"Ειδήσεις", "Το Καφέ της Χαράς"},
+         {"Οι ειδήσεις της ημέρας.", "Κωμική σειρά."}},
+    };
+    return languages;
+}
+
+const std::vector<std::string> &ChannelNames()
+{
+    static const std::vector<std::string> names = {"Halvorn One", "Metro News", "Cine+",     "Sportline", "KidsZone",
+                                                   "Arte Nord",   "Radio Fjord", "Klassik FM", "Doku24",   "Weather Now"};
+    return names;
+}
+
+const std::vector<long long> &Durations()
+{
+    static const std::vector<long long> durations = {900, 1800, 1800, 2700, 3600, 3600, 5400, 7200};
+    return durations;
+}
+
+std::string W3CTime(long long seconds)
+{
+    time_t t = static_cast<time_t>(seconds);
+    struct tm tm {};
+    gmtime_r(&t, &tm);
+    char text[32];
+    strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &tm);
+    return text;
+}
+
+bool WriteText(const std::string &path, const std::string &content)
+{
+    if (!TCServiceDataStore::MakeFolders(TCServiceDataStore::FolderOf(path)))
+        return false;
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << content;
+    return static_cast<bool>(out);
+}
+
+bool WriteJson(const std::string &path, const Json::Value &value)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = " ";
+    return WriteText(path, Json::writeString(builder, value) + "\n");
+}
+
+struct Database {
+    sqlite3 *db = nullptr;
+    ~Database() { sqlite3_close(db); }
+    bool Create(const std::string &path)
+    {
+        if (!TCServiceDataStore::MakeFolders(TCServiceDataStore::FolderOf(path)))
+            return false;
+        std::remove(path.c_str());
+        return sqlite3_open(path.c_str(), &db) == SQLITE_OK;
+    }
+    bool Exec(const std::string &sql) { return sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK; }
+};
+
+// A small database of an application's own, so the dump finds a real SQLite file there.
+bool WriteAppDatabase(const std::string &path, const std::string &owner)
+{
+    Database d;
+    return d.Create(path) && d.Exec("CREATE TABLE info(key TEXT PRIMARY KEY, value TEXT);") &&
+           d.Exec("INSERT INTO info VALUES ('owner', '" + owner + "'), ('schema', '3');");
+}
+
+const char *const RF_TABLE =
+    "CREATE TABLE programRF(serviceId integer, eventId integer, starttime integer, duration integer, "
+    "language text, tsid integer, onid integer, title text, descript text);";
+const char *const META_TABLE =
+    "CREATE TABLE programMETA(serviceId integer, actId integer, metaSrcId integer, metaProgId integer, "
+    "starttime integer, duration integer, language text, title text, descript text);";
+
+std::string Quoted(const std::string &text)
+{
+    std::string out = "'";
+    for (char c : text)
+        out += c == '\'' ? std::string("''") : std::string(1, c);
+    return out + "'";
+}
+}  // namespace
+
+uint64_t KelvoTvGenRandom::Next()
+{
+    uint64_t z = (m_state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+}
+
+uint32_t KelvoTvGenRandom::Below(uint32_t bound) { return bound == 0 ? 0 : static_cast<uint32_t>(Next() % bound); }
+
+KelvoTvGenerator::KelvoTvGenerator(const KelvoTvGenOptions &options) : m_options(options), m_random(options.seed) {}
+
+std::string KelvoTvGenerator::StoredText(const std::string &text)
+{
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == '\'') {
+            out += '"';
+        } else if (c != '%' || i + 1 == text.size()) {
+            out += c;
+        } else if (text[i + 1] == '%') {
+            out += '%';
+            ++i;
+        } else {
+            size_t j = i + 1;
+            while (j < text.size() && std::string("-+ #0!,'").find(text[j]) != std::string::npos)
+                ++j;
+            while (j < text.size() && (std::isdigit(static_cast<unsigned char>(text[j])) || text[j] == '*' ||
+                                       text[j] == '.' || text[j] == 'l' || text[j] == 'h'))
+                ++j;
+            i = j < text.size() ? j : text.size() - 1;
+        }
+    }
+    return out;
+}
+
+bool KelvoTvGenerator::IsExported(const TCStoredService &service)
+{
+    auto chmap = service.tags.find(17);
+    auto rf = service.tags.find(9);
+    return (chmap == service.tags.end() || chmap->second != -1) && rf != service.tags.end() && rf->second == 1;
+}
+
+void KelvoTvGenerator::m_MakeServices()
+{
+    int major = 2;
+    int minor = 0;
+    int chmap = 0;
+    for (int i = 0; i < m_options.services; ++i) {
+        uint32_t roll = m_random.Below(100);
+        // type, RF, in the channel map, channel type of the id
+        int type = 1, rf = 1, channelType = 1;
+        bool inMap = true;
+        if (roll >= 62 && roll < 78) {
+            type = 2;
+            channelType = 2;
+        } else if (roll >= 78 && roll < 83) {
+            type = 3;
+        } else if (roll >= 83 && roll < 88) {
+            type = 4;
+            channelType = 3;
+        } else if (roll >= 88 && roll < 95) {
+            type = 9;
+            rf = 0;
+            channelType = 9;
+        } else if (roll >= 95) {
+            inMap = false;  // a service the viewer deleted from the channel map
+        }
+        if (type == 4 || m_random.Percent(40) || minor >= 9) {
+            major += 1 + static_cast<int>(m_random.Below(3));
+            minor = 0;
+        }
+        ++minor;
+        TCStoredService service;
+        int source = 1 + static_cast<int>(m_random.Below(3));
+        int program = 1 + static_cast<int>(m_random.Below(9000));
+        unsigned long long id = static_cast<unsigned long long>(minor) | (static_cast<unsigned long long>(major) << 10) |
+                                (static_cast<unsigned long long>(program) << 23) |
+                                (static_cast<unsigned long long>(i + 1) << 45) |
+                                (static_cast<unsigned long long>(channelType) << 60);
+        service.tags[1] = type;
+        service.tags[2] = source;
+        service.tags[3] = 0x2000 + source;
+        service.tags[4] = 1000 + major;
+        service.tags[5] = program;
+        service.tags[9] = rf;
+        service.tags[12] = static_cast<long long>(id);
+        service.tags[13] = major;
+        if (type != 4)  // analogue services have no minor number
+            service.tags[14] = minor;
+        service.tags[17] = inMap ? chmap++ : -1;
+        service.name = ChannelNames()[static_cast<size_t>(i) % ChannelNames().size()] + " " + std::to_string(i + 1);
+        m_services.push_back(service);
+    }
+}
+
+void KelvoTvGenerator::m_MakeGuide()
+{
+    const long long now = m_options.now;
+    for (const auto &service : m_services) {
+        long long type = service.tags.at(1);
+        if (type == 3 || !m_random.Percent(90))
+            continue;  // data services and a few others broadcast no guide
+        const Language &language = m_random.Pick(Languages());
+        unsigned int eventId = 1 + m_random.Below(60000);
+        long long start = now - 600 - m_random.Below(3000);
+        bool first = true;
+        while (start < now + DAY + 3 * 3600) {
+            long long duration = m_random.Pick(Durations());
+            if (first && start + duration < now + QUIET)
+                duration = ((now + QUIET - start) / 900 + 1) * 900;
+            long long next = start + duration;
+            if (next >= now + DAY && next < now + DAY + QUIET) {
+                duration += now + DAY + QUIET - next;
+                next = now + DAY + QUIET;
+            }
+            TCStoredEvent e;
+            e.serviceId = static_cast<unsigned long long>(service.tags.at(12));
+            e.eventId = eventId;
+            e.startTime = start;
+            e.duration = duration;
+            e.language = language.code;
+            e.title = m_random.Pick(language.titles);
+            e.extendedText = m_random.Pick(language.texts);
+            if (m_random.Percent(30))
+                e.extendedText += " (" + std::to_string(1 + m_random.Below(40)) + "/40)";
+            m_events.push_back(e);
+            eventId = (eventId + 1) % 65536;
+            start = next;
+            first = false;
+        }
+    }
+}
+
+void KelvoTvGenerator::m_MakeSources()
+{
+    const long long now = m_options.now;
+    std::set<std::string> used;
+    auto newId = [&]() {
+        for (;;) {
+            uint32_t digits = 4 + m_random.Below(3);
+            uint32_t low = digits == 4 ? 1000 : digits == 5 ? 10000 : 100000;
+            std::string id = std::to_string(low + m_random.Below(low * 9));
+            if (used.insert(id).second)
+                return id;
+        }
+    };
+    for (const auto &service : m_services) {
+        long long type = service.tags.at(1);
+        if ((type == 1 || type == 9) && m_random.Percent(75)) {
+            KelvoTvGenSource source;
+            source.id = newId();
+            source.serviceId = std::to_string(static_cast<unsigned long long>(service.tags.at(12)));
+            source.service = &service;
+            m_sources.push_back(source);
+        }
+    }
+    // Channels the server knows and the TV does not receive.
+    int unmatched = std::max(3, m_options.services / 20);
+    for (int i = 0; i < unmatched; ++i) {
+        KelvoTvGenSource source;
+        source.id = newId();
+        m_sources.push_back(source);
+    }
+    for (size_t s = 0; s < m_sources.size(); ++s) {
+        KelvoTvGenSource &source = m_sources[s];
+        const Language &language = m_random.Pick(Languages());
+        std::string channelNumber =
+            source.service ? std::to_string(source.service->tags.at(13)) + "-" +
+                                 std::to_string(source.service->tags.count(14) ? source.service->tags.at(14) : 0)
+                           : std::to_string(500 + s);
+        // The last source has nothing in the coming day: the server sends it no programmes.
+        long long start = s + 1 == m_sources.size() ? now + DAY + QUIET + 3600 : now + QUIET + m_random.Below(1800);
+        long long end = s + 1 == m_sources.size() ? start + 7200 : now + DAY + QUIET + 7200;
+        int number = 0;
+        while (start < end) {
+            long long duration = m_random.Pick(Durations());
+            if (start < now + DAY && start + duration >= now + DAY)
+                duration = now + DAY + QUIET - start;
+            Json::Value p(Json::objectValue);
+            p["activityID"] = 0;
+            p["program source id"] = source.id;
+            p["channel name"] = source.service ? source.service->name : "Stream " + source.id;
+            p["channel number"] = channelNumber;
+            p["program id"] = "EP" + source.id + std::to_string(1000 + number++);
+            p["lang"] = language.meta;
+            p["start time"] = W3CTime(start);
+            p["utc start time"] = static_cast<Json::UInt>(start);
+            p["duration"] = static_cast<Json::Int>(duration);
+            p["title"] = m_random.Pick(language.titles);
+            p["cert flag"] = m_random.Pick(std::vector<std::string>{"TV-G", "TV-PG", "TV-14"});
+            Json::Value genres(Json::arrayValue);
+            genres.append(m_random.Pick(std::vector<std::string>{"news", "movies", "sports", "kids", "music"}));
+            p["genre array"] = genres;
+            p["poster url"] = "https://img.halvorn.example/posters/" + source.id + "/" + std::to_string(number) + ".jpg";
+            p["poster type"] = "banner";
+            p["poster overlay"] = "";
+            p["poster index"] = std::to_string(number % 4);
+            p["short desc"] = p["title"].asString();
+            p["desc"] = m_random.Pick(language.texts);
+            p["series"] = "SH" + source.id;
+            p["EndTime"] = static_cast<Json::UInt>(start + duration);
+            p["IsRF"] = source.service != nullptr;
+            source.programmes.append(p);
+            start += duration;
+        }
+    }
+}
+
+bool KelvoTvGenerator::m_WriteFixture(std::string &error)
+{
+    Json::Value fixture(Json::objectValue);
+    Json::Value &channels = fixture["channels"] = Json::Value(Json::arrayValue);
+    Json::Value &programs = fixture["programs"] = Json::Value(Json::objectValue);
+    Json::Value &sourceToService = fixture["sourceToService"] = Json::Value(Json::objectValue);
+    for (const auto &source : m_sources) {
+        Json::Value c(Json::objectValue);
+        const TCStoredService *s = source.service;
+        std::string major = s ? std::to_string(s->tags.at(13)) : "";
+        std::string minor = s && s->tags.count(14) ? std::to_string(s->tags.at(14)) : "";
+        c["activityID"] = 0;
+        c["str_program_source_id"] = source.id;
+        c["str_channel_name"] = source.programmes[0]["channel name"];
+        c["str_channel_number"] = source.programmes[0]["channel number"];
+        c["str_alias"] = "";
+        c["str_major"] = major;
+        c["str_minor"] = minor;
+        c["str_onid"] = s ? std::to_string(s->tags.at(3)) : "";
+        c["str_tsid"] = s ? std::to_string(s->tags.at(4)) : "";
+        c["str_sid"] = s ? std::to_string(s->tags.at(5)) : "";
+        c["str_frequency"] = s ? std::to_string(473000 + 8000 * (s->tags.at(13) % 40)) : "";
+        c["str_ptc"] = s ? std::to_string(14 + s->tags.at(13) % 40) : "";
+        c["str_icon_url"] = "https://img.halvorn.example/logos/" + source.id + ".png";
+        c["str_url_index"] = "0";
+        c["str_dtv"] = s ? "1" : "0";
+        c["embed"] = 0;
+        c["str_digital_flag"] = s ? "1" : "0";
+        c["str_qam_flag"] = "0";
+        c["genre id"] = "news";
+        c["gere name"] = "News";
+        c["ac_rank"] = "0";
+        channels.append(c);
+        programs[source.id] = source.programmes;
+        if (!source.serviceId.empty())
+            sourceToService[source.id] = source.serviceId;
+    }
+    Json::Value &genres = fixture["genres"] = Json::Value(Json::arrayValue);
+    for (const char *name : {"news", "movies", "sports", "kids", "music"}) {
+        Json::Value g(Json::objectValue);
+        g["str_name"] = name;
+        g["str_id"] = name;
+        g["str_genre_img_url"] = std::string("https://img.halvorn.example/genres/") + name + ".png";
+        g["str_genre_img_type"] = "png";
+        g["str_genre_img_index"] = "0";
+        genres.append(g);
+    }
+    Json::Value &mso = fixture["msoConfig"] = Json::Value(Json::objectValue);
+    mso["strHeadend"] = "HE-4711";
+    mso["strDeviceType"] = "TV";
+    mso["strZipCode"] = "0150";
+    mso["source"] = 1;
+    mso["antennaMode"] = 2;
+    mso["serviceMode"] = 0;
+    mso["str_additional_info_with_json_format"] = "{\"region\":\"north\"}";
+    Json::Value &cert = fixture["certRule"] = Json::Value(Json::objectValue);
+    for (const char *key : {"str_first_screen", "str_adult_default", "str_bar_mode", "str_bar_ratio",
+                            "str_service_cert_type", "str_service_rule", "str_service_uptime_begin",
+                            "str_service_uptime_end"})
+        cert[key] = "0";
+    Json::Value provider(Json::objectValue);
+    provider["string"] = "halvorn-play";
+    provider["name"] = "Halvorn Play";
+    provider["provider id"] = "hp-01";
+    provider["logo"] = "https://img.halvorn.example/vod/hp.png";
+    provider["widget id"] = "com.halvorn.play";
+    provider["version"] = "2.4.1";
+    fixture["vodProviders"].append(provider);
+    fixture["countryLang"]["country"] = "NO";
+    fixture["countryLang"]["language"] = "nob";
+    if (!WriteJson(m_options.fixturePath, fixture)) {
+        error = "cannot write " + m_options.fixturePath;
+        return false;
+    }
+    return true;
+}
+
+bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
+{
+    const long long now = m_options.now;
+    const std::string dbPath = m_options.expectedDir + "/expected.db";
+    Database d;
+    if (!d.Create(dbPath) || !d.Exec(RF_TABLE) || !d.Exec(META_TABLE) ||
+        !d.Exec("CREATE TABLE selected(position integer, serviceId integer, major integer, minor integer, type "
+                "integer);") ||
+        !d.Exec("BEGIN")) {
+        error = "cannot write " + dbPath;
+        return false;
+    }
+    Json::Value expected(Json::objectValue);
+    expected["now"] = static_cast<Json::Int64>(now);
+    expected["seed"] = static_cast<Json::UInt64>(m_options.seed);
+    expected["services"] = m_options.services;
+    expected["windowStartLatest"] = static_cast<Json::Int64>(now + QUIET - 1);
+    Json::Value &selected = expected["selectedServices"] = Json::Value(Json::arrayValue);
+    Json::Value &missingMinor = expected["selectedWithoutMinor"] = Json::Value(Json::arrayValue);
+    std::set<unsigned long long> exported;
+    int position = 0;
+    for (const auto &s : m_services) {
+        if (!IsExported(s))
+            continue;
+        unsigned long long id = static_cast<unsigned long long>(s.tags.at(12));
+        exported.insert(id);
+        selected.append(std::to_string(id));
+        if (!s.tags.count(14))
+            missingMinor.append(std::to_string(id));
+        d.Exec("INSERT INTO selected VALUES (" + std::to_string(position++) + ", " + std::to_string(id) + ", " +
+               std::to_string(s.tags.at(13)) + ", " + std::to_string(s.tags.count(14) ? s.tags.at(14) : 0) + ", " +
+               std::to_string(s.tags.at(1)) + ")");
+    }
+    expected["excludedServices"] = static_cast<int>(m_services.size()) - position;
+
+    // Rows are written the way the dump writes them (numbers as SQL literals, texts quoted), so
+    // that the stored values take the same types in both files.
+    int rfInWindow = 0;
+    std::map<std::string, int> rfPerService;
+    for (const auto &e : m_events) {
+        if (!exported.count(e.serviceId))
+            continue;
+        if (e.startTime >= now && e.startTime < now + DAY) {
+            ++rfInWindow;
+            ++rfPerService[std::to_string(e.serviceId)];
+        }
+        d.Exec("INSERT INTO programRF VALUES (" + std::to_string(e.serviceId) + ", " + std::to_string(e.eventId) +
+               ", " + std::to_string(e.startTime) + ", " + std::to_string(e.duration) + ", " + Quoted(e.language) +
+               ", 0, 0, " + Quoted(StoredText(e.title)) + ", " + Quoted(StoredText(e.extendedText)) + ")");
+    }
+    expected["rfRowsInWindow"] = rfInWindow;
+    Json::Value &perService = expected["rfRowsPerService"] = Json::Value(Json::objectValue);
+    for (const auto &entry : rfPerService)
+        perService[entry.first] = entry.second;
+
+    int metaInWindow = 0;
+    Json::Value &perSource = expected["metaRowsPerSource"] = Json::Value(Json::objectValue);
+    Json::Value &unmatched = expected["unmatchedSources"] = Json::Value(Json::arrayValue);
+    Json::Value &called = expected["sourcesInWindow"] = Json::Value(Json::arrayValue);
+    std::vector<const KelvoTvGenSource *> ordered;
+    for (const auto &source : m_sources)
+        ordered.push_back(&source);
+    std::sort(ordered.begin(), ordered.end(), [](auto *a, auto *b) { return a->id < b->id; });
+    Json::Value &allSources = expected["sourceIds"] = Json::Value(Json::arrayValue);
+    for (const KelvoTvGenSource *source : ordered) {
+        allSources.append(source->id);
+        std::string serviceId = source->serviceId.empty() ? "18446744073709551615" : source->serviceId;
+        int inWindow = 0;
+        for (const auto &p : source->programmes) {
+            long long start = p["utc start time"].asLargestInt();
+            if (start >= now && start < now + DAY)
+                ++inWindow;
+            d.Exec("INSERT INTO programMETA VALUES (" + serviceId + ", 0, " + Quoted(source->id) + ", " +
+                   Quoted(p["program id"].asString()) + ", " + std::to_string(start) + ", " +
+                   std::to_string(p["duration"].asInt()) + ", " + Quoted(p["lang"].asString()) + ", " +
+                   Quoted(StoredText(p["title"].asString())) + ", " + Quoted(StoredText(p["desc"].asString())) + ")");
+        }
+        if (inWindow > 0) {
+            called.append(source->id);
+            perSource[source->id] = inWindow;
+            if (source->serviceId.empty())
+                unmatched.append(source->id);
+        }
+        metaInWindow += inWindow;
+    }
+    expected["metaRowsInWindow"] = metaInWindow;
+    expected["stickFiles"] = Json::Value(Json::arrayValue);
+    for (const char *name : {"time.txt", "kelvoutilInfo.db", "kelvo-content.db", "kelvo-settings.json",
+                             "kelvo-shared.json", "thumbnails", "esg-service.db", "CHMS_Memory_Dump.sqlite",
+                             "chms-config.db", "tvs-guide.cfg", "db-tvs-service.db", "db-tvs-epg.db", "reminder.db",
+                             ".preview.db", "csm-content.db", "csm-state.db"})
+        expected["stickFiles"].append(name);
+    expected["notOnStick"].append("csm.log");
+    if (!d.Exec("COMMIT") || !WriteJson(m_options.expectedDir + "/expected.json", expected)) {
+        error = "cannot write the expectations in " + m_options.expectedDir;
+        return false;
+    }
+    return true;
+}
+
+bool KelvoTvGenerator::m_WriteDataFolders(std::string &error)
+{
+    const std::string &opt = m_options.optDir;
+    const std::string apps = opt + APP_ROOT;
+    const std::string tvs = opt + RW_APP;
+    const std::string daemon = opt + DAEMON_DATA;
+    std::string thumbnail("\x89PNG\r\n\x1a\n", 8);
+    thumbnail += "thumbnail of channel 1";
+    bool ok = WriteAppDatabase(daemon + "/kelvo-content.db", "com.halvorn.tv.kelvo-daemon") &&
+              WriteText(daemon + "/kelvo-settings.json", "{\"country\": \"NO\", \"language\": \"nob\"}\n") &&
+              WriteText(apps + "/com.halvorn.tv.kelvo-daemon/shared/kelvo/data/kelvo-shared.json",
+                        "{\"channelCRC\": \"5f3a\"}\n") &&
+              WriteText(apps + "/com.halvorn.tv.kelvo-daemon/shared/kelvo/data/thumbnails/ch-0001.png", thumbnail) &&
+              WriteAppDatabase(tvs + "/esg-service/data/esg-service.db", "esg-service") &&
+              WriteAppDatabase(tvs + "/tvs-chms/data/chms-config.db", "tvs-chms") &&
+              WriteText(tvs + "/tvs-guide/data/tvs-guide.cfg", "guide_days=8\nlanguage=nob\n") &&
+              WriteAppDatabase(tvs + "/reminder/data/reminder.db", "reminder") &&
+              WriteAppDatabase(apps + "/org.tizen.content-tiles-provider/data/.preview.db", "content-tiles-provider") &&
+              WriteAppDatabase(apps + "/ContentServiceManager/data/csm-content.db", "ContentServiceManager") &&
+              WriteAppDatabase(apps + "/ContentServiceManager/data/csm-state.db", "ContentServiceManager") &&
+              WriteText(apps + "/ContentServiceManager/data/csm.log", "started\n");
+    // An earlier dump's database: the next dump must start from an empty one.
+    Database old;
+    ok = ok && old.Create(daemon + "/kelvoutilInfo.db") && old.Exec(RF_TABLE) && old.Exec(META_TABLE) &&
+         old.Exec("INSERT INTO programRF VALUES (1, 1, 1, 1, 'eng', 0, 0, 'stale row of an earlier dump', '')") &&
+         old.Exec("INSERT INTO programMETA VALUES (1, 0, '1', '1', 1, 1, 'en', 'stale row of an earlier dump', '')");
+    if (!ok)
+        error = "cannot write the data folders under " + opt;
+    return ok;
+}
+
+bool KelvoTvGenerator::Run(std::string &error)
+{
+    m_MakeServices();
+    m_MakeGuide();
+    m_MakeSources();
+    const std::string services = m_options.optDir + SYS_DB + "/" + TCServiceDataStore::SERVICE_DB_NAME;
+    const std::string guide = m_options.optDir + SYS_DB + "/" + TCServiceDataStore::GUIDE_DB_NAME;
+    // The channel-map memory dump of an earlier day, without the map: a dump must make it afresh.
+    if (!TCServiceDataStore::WriteServices(services, m_services) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
+        !WriteAppDatabase(m_options.optDir + RW_APP + "/" + TCServiceDataStore::CHANNEL_MAP_DUMP, "tvs-chms")) {
+        error = "cannot write the TV's services and guide under " + m_options.optDir;
+        return false;
+    }
+    return m_WriteDataFolders(error) && m_WriteFixture(error) && m_WriteExpectations(error);
+}

@@ -1,0 +1,73 @@
+// The reference TV: a deterministic, seeded television for the dump to work on. One seed and one
+// "now" always give the same services, guide, server metadata and files.
+#ifndef KELVO_TOOLS_TVGENERATOR_H
+#define KELVO_TOOLS_TVGENERATOR_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <json/json.h>
+
+#include "TVServiceDataStore.h"
+
+struct KelvoTvGenOptions {
+    std::string optDir;       // the TV's /opt
+    std::string fixturePath;  // the content daemon's server metadata
+    std::string expectedDir;  // expected.json and expected.db
+    int services = 240;
+    uint64_t seed = 20261121;
+    long long now = 0;
+};
+
+// splitmix64: the same numbers on every compiler and library, unlike <random>'s distributions.
+class KelvoTvGenRandom {
+public:
+    explicit KelvoTvGenRandom(uint64_t seed) : m_state(seed) {}
+    uint64_t Next();
+    uint32_t Below(uint32_t bound);
+    bool Percent(uint32_t percent) { return Below(100) < percent; }
+    template <typename T>
+    const T &Pick(const std::vector<T> &items)
+    {
+        return items[Below(static_cast<uint32_t>(items.size()))];
+    }
+
+private:
+    uint64_t m_state;
+};
+
+struct KelvoTvGenSource {
+    std::string id;
+    std::string serviceId;  // decimal; empty when the TV has no such service
+    const TCStoredService *service = nullptr;
+    Json::Value programmes{Json::arrayValue};
+};
+
+class KelvoTvGenerator {
+public:
+    explicit KelvoTvGenerator(const KelvoTvGenOptions &options);
+    bool Run(std::string &error);
+
+    // How the dump database stores a text: apostrophes become double quotes (the dump's quoting)
+    // and the statement formatter turns "%%" into "%" and drops any other conversion.
+    static std::string StoredText(const std::string &text);
+    // The export's selection: in the channel map (tag 17 not -1) and received over RF (tag 9 = 1).
+    static bool IsExported(const TCStoredService &service);
+
+private:
+    void m_MakeServices();
+    void m_MakeGuide();
+    void m_MakeSources();
+    bool m_WriteFixture(std::string &error);
+    bool m_WriteExpectations(std::string &error);
+    bool m_WriteDataFolders(std::string &error);
+
+    KelvoTvGenOptions m_options;
+    KelvoTvGenRandom m_random;
+    std::vector<TCStoredService> m_services;
+    std::vector<TCStoredEvent> m_events;
+    std::vector<KelvoTvGenSource> m_sources;
+};
+
+#endif

@@ -1,0 +1,86 @@
+// kelvo-tv-gen: makes the reference TV (its /opt) and the server metadata its content daemon
+// serves, with the expectations a dump of that TV must meet.
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+#include "TVGenerator.h"
+
+namespace {
+void Usage(FILE *to)
+{
+    std::fprintf(to,
+                 "usage: kelvo-tv-gen --opt DIR --fixture FILE [--services N] [--seed S] [--now T] [--expected DIR]\n"
+                 "  --opt DIR       the TV's /opt: services, guide and the middleware's data folders\n"
+                 "  --fixture FILE  server metadata for kelvo-daemon-sim --fixture\n"
+                 "  --services N    number of TV services (default 240)\n"
+                 "  --seed S        seed (default 20261121); the same seed and --now give the same TV\n"
+                 "  --now T         the TV's 'now' in seconds since the epoch (default: the current time)\n"
+                 "  --expected DIR  where expected.json and expected.db go (default: the fixture's folder)\n");
+}
+
+bool Number(const char *text, long long &out)
+{
+    char *end = nullptr;
+    errno = 0;
+    long long value = std::strtoll(text, &end, 10);
+    if (errno != 0 || end == text || *end != '\0')
+        return false;
+    out = value;
+    return true;
+}
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    KelvoTvGenOptions options;
+    options.now = static_cast<long long>(std::time(nullptr));
+    bool expectedGiven = false;
+    for (int i = 1; i < argc; ++i) {
+        std::string arg = argv[i];
+        if (arg == "--help" || arg == "-h") {
+            Usage(stdout);
+            return 0;
+        }
+        if (i + 1 >= argc) {
+            Usage(stderr);
+            return 2;
+        }
+        const char *value = argv[++i];
+        long long n = 0;
+        if (arg == "--opt") {
+            options.optDir = value;
+        } else if (arg == "--fixture") {
+            options.fixturePath = value;
+        } else if (arg == "--expected") {
+            options.expectedDir = value;
+            expectedGiven = true;
+        } else if (arg == "--services" && Number(value, n) && n > 0 && n <= 4000) {
+            options.services = static_cast<int>(n);
+        } else if (arg == "--seed" && Number(value, n)) {
+            options.seed = static_cast<uint64_t>(n);
+        } else if (arg == "--now" && Number(value, n) && n > 86400 && n < 4000000000LL - 3 * 86400) {
+            options.now = n;
+        } else {
+            std::fprintf(stderr, "kelvo-tv-gen: bad option %s %s\n", arg.c_str(), value);
+            Usage(stderr);
+            return 2;
+        }
+    }
+    if (options.optDir.empty() || options.fixturePath.empty()) {
+        Usage(stderr);
+        return 2;
+    }
+    if (!expectedGiven)
+        options.expectedDir = TCServiceDataStore::FolderOf(options.fixturePath);
+    KelvoTvGenerator generator(options);
+    std::string error;
+    if (!generator.Run(error)) {
+        std::fprintf(stderr, "kelvo-tv-gen: %s\n", error.c_str());
+        return 1;
+    }
+    return 0;
+}
