@@ -40,7 +40,7 @@ std::vector<std::unique_ptr<usb_device_list_s>> &Lists()
     return *lists;
 }
 
-struct DeviceSpec {
+struct FoundDevice {
     std::string mountPath;
     bool hasMountPath;
     std::string devName;
@@ -56,22 +56,22 @@ std::string LastComponent(const std::string &path)
     return path.substr(start, end - start + 1);
 }
 
-std::vector<DeviceSpec> FromVariable(const char *value)
+std::vector<FoundDevice> FromVariable(const char *value)
 {
-    std::vector<DeviceSpec> specs;
+    std::vector<FoundDevice> devices;
     std::stringstream entries(value);
     std::string entry;
     while (std::getline(entries, entry, ':')) {
         if (entry.empty())
             continue;
         size_t eq = entry.find('=');
-        DeviceSpec spec;
-        spec.mountPath = entry.substr(0, eq);
-        spec.hasMountPath = !spec.mountPath.empty();
-        spec.devName = eq != std::string::npos ? entry.substr(eq + 1) : LastComponent(spec.mountPath);
-        specs.push_back(spec);
+        FoundDevice found;
+        found.mountPath = entry.substr(0, eq);
+        found.hasMountPath = !found.mountPath.empty();
+        found.devName = eq != std::string::npos ? entry.substr(eq + 1) : LastComponent(found.mountPath);
+        devices.push_back(found);
     }
-    return specs;
+    return devices;
 }
 
 // mountinfo escapes blanks, tabs, newlines and backslashes as \ooo.
@@ -102,7 +102,7 @@ bool IsUnderUsb(const std::string &majorMinor)
 }
 
 // Returns false when the mount table cannot be read.
-bool FromMountTable(std::vector<DeviceSpec> &specs)
+bool FromMountTable(std::vector<FoundDevice> &devices)
 {
     std::ifstream mountinfo("/proc/self/mountinfo");
     if (!mountinfo)
@@ -127,22 +127,22 @@ bool FromMountTable(std::vector<DeviceSpec> &specs)
         std::string devName = Unescape(source);
         if (devName.compare(0, 5, "/dev/") != 0)
             devName = "/dev/" + majorMinor;
-        specs.push_back({Unescape(mountPoint), true, devName});
+        devices.push_back({Unescape(mountPoint), true, devName});
     }
     return true;
 }
 
 // Negative on error, like the service's count.
-int Scan(std::vector<DeviceSpec> &specs)
+int Scan(std::vector<FoundDevice> &devices)
 {
     const char *variable = getenv("KELVO_USB_MOUNTS");
     if (variable != nullptr) {
-        specs = FromVariable(variable);
-        return static_cast<int>(specs.size());
+        devices = FromVariable(variable);
+        return static_cast<int>(devices.size());
     }
-    if (!FromMountTable(specs))
+    if (!FromMountTable(devices))
         return USB_ERROR_OPERATION_FAILED;
-    return static_cast<int>(specs.size());
+    return static_cast<int>(devices.size());
 }
 }  // namespace
 
@@ -152,23 +152,23 @@ extern "C" int usb_get_connected_device_number(int device_class)
 {
     if (device_class != USB_MASS_STORAGE)
         return 0;
-    std::vector<DeviceSpec> specs;
-    return Scan(specs);
+    std::vector<FoundDevice> devices;
+    return Scan(devices);
 }
 
 extern "C" int usb_device_get_device_list(int device_class, usb_device_list_h *list)
 {
     if (list == nullptr)
         return USB_ERROR_INVALID_PARAMETER;
-    std::vector<DeviceSpec> specs;
-    if (device_class == USB_MASS_STORAGE && Scan(specs) < 0)
+    std::vector<FoundDevice> devices;
+    if (device_class == USB_MASS_STORAGE && Scan(devices) < 0)
         return USB_ERROR_OPERATION_FAILED;
     auto made = std::make_unique<usb_device_list_s>();
-    for (const DeviceSpec &spec : specs) {
+    for (const FoundDevice &found : devices) {
         auto device = std::make_unique<usb_device_s>();
-        device->mountPath = spec.mountPath;
-        device->hasMountPath = spec.hasMountPath;
-        device->devName = spec.devName;
+        device->mountPath = found.mountPath;
+        device->hasMountPath = found.hasMountPath;
+        device->devName = found.devName;
         made->devices.push_back(device.get());
         Devices().push_back(std::move(device));
     }

@@ -125,21 +125,6 @@ TEST(HostileReply, OddRepliesToYesNoQuestionsAnswerNo)
     EXPECT_TRUE(target.isNull());
 }
 
-TEST(HostileReply, ManyElementsAreReadInOrder)
-{
-    Json::Value reply;
-    Json::Value &ratings = reply["ratings"];
-    for (int i = 0; i < 100000; ++i) {
-        Json::Value rating;
-        rating["rating"] = i;
-        ratings.append(rating);
-    }
-    std::vector<RatingInfo> out;
-    EXPECT_TRUE(FCMarshal::JsonToRatingList(reply, out));
-    ASSERT_EQ(out.size(), 100000u);
-    EXPECT_EQ(out.back().rating, 99999);
-}
-
 TEST(HostileReply, RatingListWithoutRatingsLogsAndFails)
 {
     FakeDlog::Clear();

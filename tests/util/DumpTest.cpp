@@ -165,12 +165,6 @@ INSTANTIATE_TEST_SUITE_P(
                       OpenCase{"DanglingLink", OpenCase::DanglingLink, "[SafeFileOpen] is symbolic link."}),
     [](const ::testing::TestParamInfo<OpenCase> &info) { return std::string(info.param.name); });
 
-TEST_F(DumpTest, IsMatchedPathTellsWhetherThePathExists)
-{
-    EXPECT_TRUE(m_handler.IsMatchedPath(m_stick.Path()));
-    EXPECT_FALSE(m_handler.IsMatchedPath(m_stick / "absent"));
-}
-
 TEST_F(DumpTest, FailedBackupStopsBeforeExportAndCopy)
 {
     FakeTvs::SetBackupResult(0);

@@ -170,18 +170,6 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---- notification -------------------------------------------------------------------------
 
-TEST(HostNotification, HandleCallsCheckTheirHandle)
-{
-    EXPECT_EQ(notification_set_text(nullptr, NOTIFICATION_TEXT_TYPE_TITLE, "t", "TITLE",
-                                    NOTIFICATION_VARIABLE_TYPE_NONE),
-              NOTIFICATION_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(notification_post(nullptr), NOTIFICATION_ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(notification_free(nullptr), NOTIFICATION_ERROR_INVALID_PARAMETER);
-    notification_h noti = notification_create(NOTIFICATION_TYPE_NOTI);
-    ASSERT_NE(noti, nullptr);
-    EXPECT_EQ(notification_free(noti), NOTIFICATION_ERROR_NONE);
-}
-
 TEST(HostNotification, NoBusIsAnIoError)
 {
     ScopedEnv bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/kelvo-test-bus");

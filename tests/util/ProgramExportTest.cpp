@@ -134,21 +134,9 @@ INSTANTIATE_TEST_SUITE_P(Guides, ProgramExportEmptyGuide,
                              return std::string(info.param.name);
                          });
 
-TEST_F(ProgramExportTest, BroadcastExportRunsFromChannelListToGuide)
-{
-    FakeTvs::SetServices({Service(5, 1, 0, 1)});
-    FakeTvs::SetGuide(5, {{Event(4, 1700000000, u"Film")}});
-    m_handler.BackupProgramDataOfRF();
-
-    EXPECT_EQ(RecordedDb::RfRows().size(), 1u);
-    std::vector<std::string> log = UtilLog();
-    EXPECT_EQ(log.front(), "Start to Backup ProgramData of RF channels");
-    EXPECT_EQ(log.back(), "End to Backup ProgramData of RF channels");
-}
 }  // namespace
 
 // ---- metadata half, through the real proxies over a scripted daemon -------------------------
-
 
 namespace {
 class MetaExportTest : public ProgramExportTest {

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "FakeDlog.h"
 #include "FakeSystem.h"
 #include "FakeTvs.h"
@@ -24,15 +22,6 @@ protected:
 
     KelvoUtilDataHandler m_handler;
 };
-
-TEST_F(RestoreTest, RestoreEntryOfAnyKindSelectsRestore)
-{
-    EXPECT_TRUE(m_handler.IsRestoreMode(m_stick.Path()));
-    std::filesystem::remove(m_stick / "RestoreMWDB");
-    EXPECT_FALSE(m_handler.IsRestoreMode(m_stick.Path()));
-    WriteFile(m_stick / "RestoreMWDB", "not a folder");
-    EXPECT_TRUE(m_handler.IsRestoreMode(m_stick.Path()));
-}
 
 TEST_F(RestoreTest, CopiesDatabasesThenJsonIntoTheDaemonFolderAndLogsEachStatus)
 {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <initializer_list>
 #include <map>
 #include <vector>
 
@@ -78,14 +79,6 @@ bool EndsWith(const std::string &text, const std::string &suffix)
 {
     return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
-
-// Runs one shell command and logs it with its status in the restore's words.
-void RunRestoreCommand(const std::string &command)
-{
-    int ret = system(command.c_str());
-    KELVO_UTIL_LOG("restoreCommand %s", command.c_str());
-    KELVO_UTIL_LOG("restore return %d", ret);
-}
 }  // namespace
 
 KelvoUtilDataHandler::KelvoUtilDataHandler() : m_guidePeriod(GUIDE_PERIOD_SECONDS), m_dbHelper() {}
@@ -125,8 +118,6 @@ std::string KelvoUtilDataHandler::m_PlatformFolder(enum tzplatform_variable id)
     return folder;
 }
 
-void KelvoUtilDataHandler::m_RemoveLinksIn(const std::string &folder) { RemoveLinksBelow(folder); }
-
 void KelvoUtilDataHandler::RemoveCopiedLinks(const std::string &fromFolder, const std::string &suffix,
                                              const std::string &toFolder)
 {
@@ -161,10 +152,15 @@ bool KelvoUtilDataHandler::RestoreData(std::string mountPath)
     const std::string restorePath = mountPath + RESTORE_FOLDER;
     KELVO_UTIL_LOG("Start Restore Kelvo DB");
 
-    RunRestoreCommand(COPY_COMMAND + restorePath + "/*.db " + DAEMON_DATA_FOLDER + ";sync");
-    RemoveCopiedLinks(restorePath, ".db", DAEMON_DATA_FOLDER);
-    RunRestoreCommand(COPY_COMMAND + restorePath + "/*.json " + DAEMON_DATA_FOLDER + ";sync");
-    RemoveCopiedLinks(restorePath, ".json", DAEMON_DATA_FOLDER);
+    // The copy statuses are only logged. cp -r copies a link as a link, and the daemon would
+    // follow it out of its folder: links among the copied names are removed right after.
+    for (const char *suffix : {".db", ".json"}) {
+        const std::string command = COPY_COMMAND + restorePath + "/*" + suffix + " " + DAEMON_DATA_FOLDER + ";sync";
+        int ret = system(command.c_str());
+        KELVO_UTIL_LOG("restoreCommand %s", command.c_str());
+        KELVO_UTIL_LOG("restore return %d", ret);
+        RemoveCopiedLinks(restorePath, suffix, DAEMON_DATA_FOLDER);
+    }
 
     // The clock comes from the dump folder of the same storage, not from the restore folder.
     // The file only ever holds the one number a dump wrote, so end-of-file is the loop's only
@@ -226,7 +222,7 @@ void KelvoUtilDataHandler::PrepareDumpDBFolder(std::string dumpPath)
         int ret = system((REMOVE_COMMAND + dumpPath + "/*;sync").c_str());
         KELVO_UTIL_LOG("result_remove is %d", ret);
         // Dot-entries survive the pattern; none of them may redirect a later write.
-        m_RemoveLinksIn(dumpPath);
+        RemoveLinksBelow(dumpPath);
     } else {
         KELVO_UTIL_LOG("Make Dump DB Folder");
         mkdir(dumpPath.c_str(), 0750);

@@ -47,7 +47,6 @@ public:
 private:
     static bool m_IsSafeMountPath(const std::string &mountPath);
     static std::string m_PlatformFolder(enum tzplatform_variable id);
-    static void m_RemoveLinksIn(const std::string &folder);
 
     int m_guidePeriod;
     KelvoUtilDatabaseHelper m_dbHelper;

@@ -1,9 +1,12 @@
 #include "databaseHelper.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "KelvoUtilLog.h"
 
@@ -13,8 +16,8 @@
 // row would make the database the slowest step of the dump. Each open file is therefore new and
 // private to this run, so the connection keeps its rollback journal in memory, does not sync
 // while rows arrive, and collects rows in batches: a transaction begun after the tables exist,
-// committed every kRowsPerBatch rows and at CloseDB. The last commit syncs, so once CloseDB has
-// returned the file is complete and consistent on disk.
+// committed every kRowsPerBatch rows and at CloseDB, which then syncs the closed file: once
+// CloseDB has returned the file is complete and consistent on disk.
 //
 // A statement that fails on its own (its row is malformed) loses that row only: SQLite undoes
 // the statement and the batch goes on. When the disk fills (SQLITE_FULL) or the file cannot be
@@ -30,10 +33,10 @@ const unsigned int kRowsPerBatch = 1000;
 const char *const kDbFolder = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
 const char *const kDbFileName = "kelvoutilInfo.db";
 
-// Index one past the end of the conversion specification whose '%' stands at `percent`, read
+// Index one past the end of the conversion directive whose '%' stands at `percent`, read
 // the way SQLite's formatter reads one: flags "-+ #!0,", a width of digits or '*', a precision
 // of '.' then digits or '*', a length "l" or "ll", then the conversion character. A text that
-// ends inside the specification ends it.
+// ends inside the directive ends it.
 size_t ConversionEnd(const std::string &text, size_t percent)
 {
     const size_t size = text.size();
@@ -80,14 +83,14 @@ size_t ConversionEnd(const std::string &text, size_t percent)
 // Statements go through sqlite3_mprintf as its format with no arguments, so that "%%" in a
 // value arrives as "%". A title is broadcast or server text: a conversion in it ("%s", "%n",
 // "%*d", ...) would make the formatter read an argument that is not there. Each '%' that is
-// not part of "%%" is therefore taken out with its whole specification before formatting;
+// not part of "%%" is therefore taken out with its whole directive before formatting;
 // a lone '%' that ends the text is doubled, so it still prints as itself. Text without such
 // a conversion is left exactly as it is.
-std::string ConsumeConversions(const std::string &query)
+void ConsumeConversions(std::string &query)
 {
     size_t percent = query.find('%');
     if (percent == std::string::npos) {
-        return query;
+        return;
     }
     std::string safe;
     safe.reserve(query.size());
@@ -109,7 +112,7 @@ std::string ConsumeConversions(const std::string &query)
         percent = query.find('%', next);
     }
     safe.append(query, copied, std::string::npos);
-    return safe;
+    query.swap(safe);
 }
 
 }  // namespace
@@ -129,6 +132,7 @@ KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
 
 void KelvoUtilDatabaseHelper::OpenDB()
 {
+    CloseDB();  // a connection still open would keep its batch and its handle forever
     struct stat folder;
     if (stat(m_dbFolder.c_str(), &folder) != 0) {
         m_CreatePath();
@@ -150,12 +154,10 @@ void KelvoUtilDatabaseHelper::CloseDB()
     if (m_db == nullptr) {
         return;
     }
-    if (m_inBatch) {
-        m_Exec("PRAGMA synchronous=FULL;");
-        m_CommitBatch();
-    }
+    m_CommitBatch();
     sqlite3_close(m_db);
     m_db = nullptr;
+    m_SyncFile();
 }
 
 void KelvoUtilDatabaseHelper::InsertProgramRF(KelvoUtilProgramData row)
@@ -198,7 +200,8 @@ void KelvoUtilDatabaseHelper::InsertProgramMeta(KelvoUtilProgramData row)
 
 void KelvoUtilDatabaseHelper::ExecuteQuery(std::string query)
 {
-    char *statement = sqlite3_mprintf(ConsumeConversions(query).c_str());
+    ConsumeConversions(query);
+    char *statement = sqlite3_mprintf(query.c_str());
     const int ret = sqlite3_exec(m_db, statement, nullptr, nullptr, nullptr);
     sqlite3_free(statement);
     if (ret != SQLITE_OK) {
@@ -226,6 +229,18 @@ void KelvoUtilDatabaseHelper::m_CreatePath()
             path[i] = '/';
         }
     }
+}
+
+void KelvoUtilDatabaseHelper::m_SyncFile()
+{
+    const int fd = open(m_dbPath.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return;
+    }
+    if (fsync(fd) != 0) {
+        KELVO_UTIL_LOG("fail to sync %s - errno:%d", m_dbPath.c_str(), errno);
+    }
+    close(fd);
 }
 
 void KelvoUtilDatabaseHelper::m_RemoveDBFile()

@@ -29,6 +29,7 @@ protected:
 private:
     void m_CreatePath();
     void m_RemoveDBFile();
+    void m_SyncFile();
     void m_InitQueryMaker();
     void m_CreateTable();
     void m_InsertRow(KelvoUtilDbQueryHelper &row);

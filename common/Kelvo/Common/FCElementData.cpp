@@ -1,5 +1,6 @@
 #include "FCElementData.h"
 
+#include <cstring>
 #include <tuple>
 
 #include "FCDebug.h"
@@ -107,6 +108,14 @@ bool EqualStrings(const StringField<Record> (&fields)[N], const Record &a, const
     return true;
 }
 
+// Json::Value::get() without its copy: the member, or fallback when absent. Like get(), it
+// raises on a value that is neither an object nor null.
+const Json::Value &MemberOr(const Json::Value &in, const char *key, const Json::Value &fallback)
+{
+    const Json::Value *found = in.find(key, key + std::strlen(key));
+    return found != nullptr ? *found : fallback;
+}
+
 Json::Value UnsignedValue(unsigned long value)
 {
     return Json::Value(static_cast<Json::UInt64>(value));
@@ -134,17 +143,17 @@ bool FCRemoteProgram::ToJson(const FCRemoteProgram &program, Json::Value &out)
 
 bool FCRemoteProgram::FromJson(const Json::Value &in, FCRemoteProgram &program)
 {
-    // Every key through get(): reading a programme never adds members to the reply.
-    const Json::Value &reply = in;
+    // Every key read with a default: reading a programme never adds members to the reply.
+    static const Json::Value noText(""), noNumber(0), noActivity(-1);
     try {
-        program.m_activityID = static_cast<eRemoteContentActivity>(reply.get("activityID", -1).asInt());
+        program.m_activityID = static_cast<eRemoteContentActivity>(MemberOr(in, "activityID", noActivity).asInt());
         for (const auto &field : kProgramStrings)
-            program.*field.member = reply.get(field.jsonKey, "").asString();
-        program.m_utcStartTime = reply.get("utc start time", 0).asUInt();
-        program.m_duration = static_cast<int>(reply.get("duration", 0).asUInt());
-        program.m_endTime = reply.get("EndTime", 0).asUInt();
-        program.m_isRF = reply.get("IsRF", 0).asBool();
-        const Json::Value &genres = reply["genre array"];
+            program.*field.member = MemberOr(in, field.jsonKey, noText).asString();
+        program.m_utcStartTime = MemberOr(in, "utc start time", noNumber).asUInt();
+        program.m_duration = static_cast<int>(MemberOr(in, "duration", noNumber).asUInt());
+        program.m_endTime = MemberOr(in, "EndTime", noNumber).asUInt();
+        program.m_isRF = MemberOr(in, "IsRF", noNumber).asBool();
+        const Json::Value &genres = in["genre array"];
         for (Json::ArrayIndex i = 0; i < genres.size(); ++i)
             program.m_genres.push_back(genres[i].asString());
     } catch (const Json::Exception &e) {

@@ -65,10 +65,15 @@ bool ReadMembers(const Fetch &fetch, In &in, const char *key, T &out, Rest &&...
     return ReadMembers(fetch, in, std::forward<Rest>(rest)...);
 }
 
-// Through get() with a default value: never changes the input.
+// As Json::Value::get() with a default value, without copying the member: never changes the
+// input, and raises like get() on a value that is neither an object nor null.
 struct GetOr {
     Json::Value fallback;
-    Json::Value operator()(const Json::Value &in, const char *key) const { return in.get(key, fallback); }
+    const Json::Value &operator()(const Json::Value &in, const char *key) const
+    {
+        const Json::Value *found = in.find(key, key + std::strlen(key));
+        return found != nullptr ? *found : fallback;
+    }
 };
 
 // R-get-text: get() with "" as default, so a missing number raises jsoncpp's logic error on

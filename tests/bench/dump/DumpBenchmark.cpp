@@ -1,0 +1,346 @@
+// The whole dump of the reference TV scaled to 300 services: the real kelvo-util in the
+// simulated TV (tools/kelvo-tv run), timed per phase from the moments its log lines arrive, with
+// the peak RSS of the kelvo-util process. The limit is SQLite's own prepared bulk insert of the
+// same rows into the same file system, measured in the same run:
+//   RATIO dump_export = (export seconds per row) / (bulk insert seconds per row).
+#include <benchmark/benchmark.h>
+#include <poll.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+const int SERVICES = 300;
+
+struct Line {
+    double at;  // seconds since the run started
+    std::string text;
+};
+
+struct DumpRun {
+    bool ok = false;
+    double wall = 0;  // the whole `kelvo-tv run`: sandbox, bus, servers and kelvo-util
+    std::vector<Line> lines;
+    long peakRssKb = 0;
+    int rfRows = 0;
+    int metaRows = 0;
+};
+
+struct Figures {
+    DumpRun run;
+    double backup = 0, exportTime = 0, copy = 0, utilSpan = 0;
+    double bulk = 1e9;
+    int bulkRows = 0;
+} g_figures;
+
+std::string g_work;
+
+int Exec(const std::vector<std::string> &argv)
+{
+    pid_t pid = fork();
+    if (pid == 0) {
+        std::vector<char *> args;
+        for (const auto &a : argv)
+            args.push_back(const_cast<char *>(a.c_str()));
+        args.push_back(nullptr);
+        execv(args[0], args.data());
+        _exit(127);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+long ReadStatusKb(const std::string &pid, const char *key)
+{
+    std::ifstream in("/proc/" + pid + "/status");
+    std::string line;
+    while (std::getline(in, line))
+        if (line.rfind(key, 0) == 0)
+            return std::atol(line.c_str() + std::strlen(key));
+    return -1;
+}
+
+bool DescendsFrom(std::string pid, pid_t ancestor)
+{
+    for (int depth = 0; depth < 32 && pid != "0" && pid != "1"; ++depth) {
+        if (pid == std::to_string(ancestor))
+            return true;
+        long ppid = ReadStatusKb(pid, "PPid:");
+        if (ppid < 0)
+            return false;
+        pid = std::to_string(ppid);
+    }
+    return false;
+}
+
+// The peak RSS so far of the kelvo-util process below `root` (VmHWM only grows).
+void SampleRss(pid_t root, long &peak)
+{
+    for (const auto &entry : fs::directory_iterator("/proc", fs::directory_options::skip_permission_denied)) {
+        std::string pid = entry.path().filename().string();
+        if (pid.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        std::ifstream comm(entry.path() / "comm");
+        std::string name;
+        if (!std::getline(comm, name) || name != "kelvo-util" || !DescendsFrom(pid, root))
+            continue;
+        long hwm = ReadStatusKb(pid, "VmHWM:");
+        if (hwm > peak)
+            peak = hwm;
+    }
+}
+
+DumpRun RunDump()
+{
+    DumpRun run;
+    const std::string tv = g_work + "/tv", stick = g_work + "/stick", out = g_work + "/out";
+    fs::remove_all(stick);
+    fs::create_directories(stick);
+    fs::create_directories(out);
+    std::vector<std::string> argv = {KELVO_TV,      "run",   "--build-dir", KELVO_BUILD_DIR, "--tv",
+                                     tv,            "--stick", stick,       "--out",         out,
+                                     "--fixture",   g_work + "/fixture.json", "--timeout", "300"};
+    int pipeFd[2];
+    if (pipe(pipeFd) != 0)
+        return run;
+    Clock::time_point start = Clock::now();
+    pid_t pid = fork();
+    if (pid == 0) {
+        setpgid(0, 0);
+        dup2(pipeFd[1], 1);
+        dup2(pipeFd[1], 2);
+        close(pipeFd[0]);
+        close(pipeFd[1]);
+        std::vector<char *> args;
+        for (const auto &a : argv)
+            args.push_back(const_cast<char *>(a.c_str()));
+        args.push_back(nullptr);
+        execv(args[0], args.data());
+        _exit(127);
+    }
+    close(pipeFd[1]);
+    std::string pending;
+    char buffer[65536];
+    for (;;) {
+        pollfd p{pipeFd[0], POLLIN, 0};
+        int ready = poll(&p, 1, 5);
+        SampleRss(pid, run.peakRssKb);
+        if (ready <= 0)
+            continue;
+        ssize_t n = read(pipeFd[0], buffer, sizeof buffer);
+        if (n <= 0)
+            break;
+        double at = std::chrono::duration<double>(Clock::now() - start).count();
+        pending.append(buffer, static_cast<size_t>(n));
+        size_t newline;
+        while ((newline = pending.find('\n')) != std::string::npos) {
+            run.lines.push_back({at, pending.substr(0, newline)});
+            pending.erase(0, newline + 1);
+        }
+    }
+    close(pipeFd[0]);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    run.wall = std::chrono::duration<double>(Clock::now() - start).count();
+    run.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+
+    sqlite3 *db = nullptr;
+    std::string path = stick + "/DumpMWDB/kelvoutilInfo.db";
+    if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+        auto count = [db](const char *sql) {
+            sqlite3_stmt *stmt = nullptr;
+            int rows = -1;
+            if (sqlite3_prepare_v2(db, sql, -1, &stmt, nullptr) == SQLITE_OK && sqlite3_step(stmt) == SQLITE_ROW)
+                rows = sqlite3_column_int(stmt, 0);
+            sqlite3_finalize(stmt);
+            return rows;
+        };
+        run.rfRows = count("SELECT count(*) FROM programRF");
+        run.metaRows = count("SELECT count(*) FROM programMETA");
+    }
+    sqlite3_close(db);
+    return run;
+}
+
+// Moment of the first line holding `needle` (and `also`, if given) at or after `from`; -1 when none.
+double At(const DumpRun &run, const char *needle, const char *also = nullptr, double from = 0)
+{
+    for (const auto &line : run.lines)
+        if (line.at >= from && line.text.find(needle) != std::string::npos &&
+            (also == nullptr || line.text.find(also) != std::string::npos))
+            return line.at;
+    return -1;
+}
+
+void BM_WholeDump(benchmark::State &state)
+{
+    for (auto _ : state) {
+        DumpRun run = RunDump();
+        state.SetIterationTime(run.wall);
+        g_figures.run = run;
+    }
+    const DumpRun &run = g_figures.run;
+    double started = At(run, "Start Dump Kelvo DB");
+    double backupFrom = At(run, "UTC Current Time", nullptr, started);
+    double backupTo = At(run, "/TVS", "backup");
+    double exportFrom = At(run, "Start to Backup ProgramData of RF channels");
+    double exportTo = At(run, "End to Backup ProgramData of Meta");
+    double copyTo = At(run, "dump result=");
+    double ended = At(run, "kelvo-util 666");
+    if (!run.ok || started < 0 || backupTo < 0 || exportTo < 0 || copyTo < 0 || run.rfRows <= 0) {
+        state.SkipWithError("the dump did not complete; see its log");
+        return;
+    }
+    g_figures.backup = backupTo - backupFrom;
+    g_figures.exportTime = exportTo - exportFrom;
+    g_figures.copy = copyTo - exportTo;
+    g_figures.utilSpan = ended - started;
+    state.counters["rows"] = run.rfRows + run.metaRows;
+    state.counters["peak_rss_kb"] = static_cast<double>(run.peakRssKb);
+}
+
+// The same rows, read back from the stick, into a fresh file with one prepared statement per
+// table inside one transaction.
+void BM_SqliteBulkInsert(benchmark::State &state)
+{
+    struct Cell {
+        int type;
+        long long integer;
+        double real;
+        std::string text;
+    };
+    struct Table {
+        const char *name;
+        std::vector<std::vector<Cell>> rows;
+    } tables[] = {{"programRF", {}}, {"programMETA", {}}};
+    sqlite3 *source = nullptr;
+    std::string path = g_work + "/stick/DumpMWDB/kelvoutilInfo.db";
+    if (sqlite3_open_v2(path.c_str(), &source, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+        sqlite3_close(source);
+        state.SkipWithError("no dump database on the stick");
+        return;
+    }
+    int total = 0;
+    for (auto &table : tables) {
+        sqlite3_stmt *stmt = nullptr;
+        std::string sql = std::string("SELECT * FROM ") + table.name;
+        sqlite3_prepare_v2(source, sql.c_str(), -1, &stmt, nullptr);
+        while (sqlite3_step(stmt) == SQLITE_ROW) {
+            std::vector<Cell> row;
+            for (int c = 0; c < 9; ++c) {
+                Cell cell{sqlite3_column_type(stmt, c), sqlite3_column_int64(stmt, c), sqlite3_column_double(stmt, c), ""};
+                if (cell.type == SQLITE_TEXT)
+                    cell.text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, c));
+                row.push_back(cell);
+            }
+            table.rows.push_back(row);
+            ++total;
+        }
+        sqlite3_finalize(stmt);
+    }
+    sqlite3_close(source);
+
+    const std::string target = g_work + "/tv/opt/bulk.db";
+    for (auto _ : state) {
+        fs::remove(target);
+        Clock::time_point start = Clock::now();
+        sqlite3 *db = nullptr;
+        sqlite3_open(target.c_str(), &db);
+        sqlite3_exec(db,
+                     "CREATE TABLE programRF(serviceId integer, eventId integer, starttime integer, duration integer, "
+                     "language text, tsid integer, onid integer, title text, descript text);"
+                     "CREATE TABLE programMETA(serviceId integer, actId integer, metaSrcId integer, metaProgId integer, "
+                     "starttime integer, duration integer, language text, title text, descript text);"
+                     "BEGIN;",
+                     nullptr, nullptr, nullptr);
+        for (auto &table : tables) {
+            sqlite3_stmt *stmt = nullptr;
+            std::string sql = std::string("INSERT INTO ") + table.name + " VALUES (?,?,?,?,?,?,?,?,?)";
+            sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr);
+            for (const auto &row : table.rows) {
+                sqlite3_reset(stmt);
+                for (int c = 0; c < 9; ++c) {
+                    const Cell &cell = row[static_cast<size_t>(c)];
+                    if (cell.type == SQLITE_INTEGER)
+                        sqlite3_bind_int64(stmt, c + 1, cell.integer);
+                    else if (cell.type == SQLITE_FLOAT)
+                        sqlite3_bind_double(stmt, c + 1, cell.real);
+                    else
+                        sqlite3_bind_text(stmt, c + 1, cell.text.c_str(), -1, SQLITE_STATIC);
+                }
+                sqlite3_step(stmt);
+            }
+            sqlite3_finalize(stmt);
+        }
+        sqlite3_exec(db, "COMMIT;", nullptr, nullptr, nullptr);
+        sqlite3_close(db);
+        double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        state.SetIterationTime(seconds);
+        if (seconds < g_figures.bulk)
+            g_figures.bulk = seconds;
+    }
+    g_figures.bulkRows = total;
+    state.counters["rows"] = total;
+}
+
+BENCHMARK(BM_WholeDump)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SqliteBulkInsert)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    if (Exec({"/usr/bin/bwrap", "--unshare-user", "--ro-bind", "/", "/", "/bin/true"}) != 0) {
+        std::printf("kelvo-bench-dump: no user namespace for the sandbox here; nothing measured\n");
+        return 0;
+    }
+    std::string pattern = (fs::temp_directory_path() / "kelvo-bench-dump-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+        return 1;
+    g_work = pattern;
+    fs::create_directories(g_work + "/tv/opt/var/kelvo-sim");
+    std::ofstream(g_work + "/tv/.kelvo-tv").close();
+    long long now = static_cast<long long>(std::time(nullptr)) - 5;
+    if (Exec({KELVO_TV_GEN, "--opt", g_work + "/tv/opt", "--fixture", g_work + "/fixture.json", "--services",
+              std::to_string(SERVICES), "--now", std::to_string(now)}) != 0) {
+        std::fprintf(stderr, "kelvo-bench-dump: the TV generator failed\n");
+        fs::remove_all(g_work);
+        return 1;
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+
+    const Figures &f = g_figures;
+    int rows = f.run.rfRows + f.run.metaRows;
+    bool measured = f.run.ok && rows > 0 && f.bulkRows == rows && f.exportTime > 0 && f.bulk < 1e9;
+    std::printf("\nreference TV: %d services\n", SERVICES);
+    std::printf("rows: programRF %d, programMETA %d\n", f.run.rfRows, f.run.metaRows);
+    std::printf("wall time: kelvo-tv run %.3f s, kelvo-util from \"Start Dump\" to its end %.3f s\n", f.run.wall,
+                f.utilSpan);
+    std::printf("phases: TVS backup %.3f s, export %.3f s, copy %.3f s\n", f.backup, f.exportTime, f.copy);
+    std::printf("peak RSS of kelvo-util: %ld kB\n", f.run.peakRssKb);
+    std::printf("SQLite prepared bulk insert of the same %d rows: %.3f s (best of 5)\n", f.bulkRows, f.bulk);
+    fs::remove_all(g_work);
+    if (!measured) {
+        std::printf("kelvo-bench-dump: the dump did not complete; no ratio\n");
+        return 1;
+    }
+    std::printf("RATIO dump_export %.2f\n", (f.exportTime / rows) / (f.bulk / rows));
+    return 0;
+}
