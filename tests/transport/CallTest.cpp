@@ -127,6 +127,12 @@ TEST(CallWithoutDaemon, BusWithoutDaemonFailsAndNoBusGivesNull) {
     DisposeCallResult(nullptr);
 }
 
+TEST(CallWithoutDaemon, SimulatorEndsWhenTheBusGoesAway) {
+    KelvoTestBus bus;
+    ASSERT_TRUE(bus.Ready());
+    EXPECT_TRUE(bus.DaemonExitsWithTheBus(5000));
+}
+
 // A thread's connection follows DBUS_SESSION_BUS_ADDRESS: a call after the bus changed reaches
 // the new bus, not the old one through a cached connection.
 TEST(CallWithoutDaemon, FollowsTheBusAddress) {

@@ -104,6 +104,19 @@ void KelvoTestBus::UseForCalls() const { setenv("DBUS_SESSION_BUS_ADDRESS", m_ad
 
 void KelvoTestBus::StopDaemon() { Stop(m_daemon); }
 
+bool KelvoTestBus::DaemonExitsWithTheBus(int timeoutMs) {
+    Stop(m_bus);
+    for (int waited = 0; waited < timeoutMs; waited += 10) {
+        int status = 0;
+        if (waitpid(m_daemon, &status, WNOHANG) == m_daemon) {
+            m_daemon = -1;
+            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        }
+        usleep(10000);
+    }
+    return false;
+}
+
 bool KelvoTestBus::m_Control(const char* member, const char* signature, const std::string& a, const std::string& b,
                              std::string* reply) {
     sd_bus* bus = nullptr;

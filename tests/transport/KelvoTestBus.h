@@ -30,6 +30,8 @@ public:
     std::vector<std::string> RecordFileLines() const;
 
     void StopDaemon();
+    // Takes the bus away and reports whether the simulator then ended by itself with status 0.
+    bool DaemonExitsWithTheBus(int timeoutMs);
 
 private:
     bool m_Control(const char* member, const char* signature, const std::string& a, const std::string& b,

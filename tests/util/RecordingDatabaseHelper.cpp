@@ -8,7 +8,8 @@ std::vector<KelvoUtilProgramData> g_rfRows;
 std::vector<KelvoUtilProgramData> g_metaRows;
 }  // namespace
 
-KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper() : m_db(nullptr), m_inBatch(false), m_batchRows(0) {}
+// The connection and builders are never used here, so the members stay as the header leaves them.
+KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper() = default;
 KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
 
 void KelvoUtilDatabaseHelper::OpenDB() { g_events.push_back("OpenDB"); }

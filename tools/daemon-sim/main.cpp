@@ -163,11 +163,18 @@ private:
         int r = sd_event_add_time_relative(m_event, &pending->timer, CLOCK_MONOTONIC,
                                            static_cast<uint64_t>(delayMs) * 1000, 0, &Daemon::OnTimer, pending);
         if (r < 0) {
-            sd_bus_message_unref(pending->call);
-            delete pending;
+            Forget(pending);
             return r;
         }
+        // Calls still waiting when the daemon stops are released with their timers.
+        sd_event_source_set_destroy_callback(pending->timer, &Daemon::Forget);
         return 1;
+    }
+
+    static void Forget(void* userdata) {
+        auto* pending = static_cast<Pending*>(userdata);
+        sd_bus_message_unref(pending->call);
+        delete pending;
     }
 
     static int OnTimer(sd_event_source* source, uint64_t, void* userdata) {
@@ -177,9 +184,7 @@ private:
         sd_bus_message_read(pending->call, "s", &argument);
         pending->daemon->m_Reply(pending->call, sd_bus_message_get_member(pending->call), argument ? argument : "",
                                  &pending->entry);
-        sd_bus_message_unref(pending->call);
-        sd_event_source_unref(source);
-        delete pending;
+        sd_event_source_unref(source);  // its destroy callback releases the call
         return 0;
     }
 
