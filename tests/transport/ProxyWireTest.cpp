@@ -254,10 +254,12 @@ TEST_F(ProxyWireTest, TypedOperationsSendTheirArgumentAndReadTheReply) {
     }
 }
 
-// A daemon that fails the call, or answers no JSON object, leaves every typed operation false.
+// A daemon that fails the call, or answers no JSON object (also one cut short after "ret": true),
+// leaves every typed operation false.
 TEST_F(ProxyWireTest, TypedOperationsAreFalseWhenTheCallFails) {
     const char* const failures[] = {R"({"error":"org.freedesktop.DBus.Error.Failed"})", R"({"reply":"not json"})",
-                                    R"({"reply":"[1,2]"})", R"({"reply":"true"})"};
+                                    R"({"reply":"[1,2]"})", R"({"reply":"true"})",
+                                    R"({"reply":"{\"ret\":true,\"TCServiceId\":\"5\","})"};
     for (const char* failure : failures) {
         for (const auto& c : TypedCases()) {
             SCOPED_TRACE(std::string(c.wireMethod) + " " + failure);

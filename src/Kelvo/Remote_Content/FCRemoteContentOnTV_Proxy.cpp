@@ -22,17 +22,16 @@ bool ReplyRet(const Json::Value& reply) {
 
 // The typed form of every operation: write the arguments, make the call, fill the outputs from the
 // reply and answer the reply's "ret". The outputs are read whatever "ret" said (and from the empty
-// reply of a failed call), as the daemon's callers expect partly filled outputs. The call's own
-// success is not consulted beyond that.
+// reply of a failed call), as the daemon's callers expect partly filled outputs.
 template <typename Write, typename Read>
 bool TypedCall(const char* method, Write write, Read read) {
     Json::Value argument;
     write(argument);
     Json::Value reply;
-    FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply);
-    // A reply that parsed but is no object (a bare number, an array) is treated as an empty one
-    // rather than handed to readers that index it by name.
-    if (!reply.isObject()) reply = Json::Value();
+    // A failed call leaves the reply empty, except that a reply cut short keeps what jsoncpp read
+    // before the cut ({"ret":true,... would still say true); and a reply that is no object (a bare
+    // number, an array) cannot be indexed by name. Both are read as the empty reply.
+    if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject()) reply = Json::Value();
     read(reply);
     return ReplyRet(reply);
 }
