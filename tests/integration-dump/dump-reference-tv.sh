@@ -3,7 +3,7 @@
 # the time stamp, the files on the stick, and every row of kelvoutilInfo.db read with sqlite3.
 source "$(dirname "$0")/lib.sh" "$1" "$2"
 
-new_case
+new_case --edge-service
 run_dump
 
 equal "kelvo-util exits with 0" 0 "$RUN_STATUS"
@@ -44,8 +44,10 @@ equal "the two tables of the dump database" "programMETA programRF" \
     "$(sql "$DB" "SELECT name FROM sqlite_master WHERE type='table' ORDER BY name;" | tr '\n' ' ' | sed 's/ $//')"
 rows_match "programRF holds the selected services' guide of the next 86400 s" programRF "${times[1]:-0}"
 rows_match "programMETA holds the server's programmes of the next 86400 s" programMETA "${times[2]:-0}"
-equal "programRF row count as the generator promised" "$(jq .rfRowsInWindow "$EXPECTED")" \
-    "$(sql "$DB" 'SELECT count(*) FROM programRF;')"
+# The edge service has an event starting every second around both ends of the day: the guide
+# window runs from the second the dump read the clock up to 86399 seconds later.
+equal "the guide window, to the second" "${times[1]:-0} $((${times[1]:-0} + 86399))" \
+    "$(sql -separator ' ' "$DB" "SELECT min(starttime), max(starttime) FROM programRF WHERE title LIKE 'Second %';")"
 equal "programMETA row count as the generator promised" "$(jq .metaRowsInWindow "$EXPECTED")" \
     "$(sql "$DB" 'SELECT count(*) FROM programMETA;')"
 equal "no row of the earlier dump survives" 0 \

@@ -244,7 +244,33 @@ void KelvoTvGenerator::m_MakeServices()
 void KelvoTvGenerator::m_MakeGuide()
 {
     const long long now = m_options.now;
-    for (const auto &service : m_services) {
+    if (m_options.edgeService) {
+        TCStoredService edge = m_services.back();  // a copy of the last service, in the map and on RF
+        unsigned long long id = (static_cast<unsigned long long>(m_services.size() + 1) << 45) |
+                                (1ull << 60) | 999;
+        edge.tags[1] = 1;
+        edge.tags[9] = 1;
+        edge.tags[12] = static_cast<long long>(id);
+        edge.tags[14] = 1;
+        edge.tags[17] = 100000;
+        edge.name = "Edge Test";
+        m_services.push_back(edge);
+        unsigned int eventId = 1;
+        for (long long from : {now - 60, now + DAY - 60})
+            for (long long start = from; start < from + 300; ++start) {
+                TCStoredEvent e;
+                e.serviceId = id;
+                e.eventId = eventId++;
+                e.startTime = start;
+                e.duration = 1;
+                e.language = "eng";
+                e.title = "Second " + std::to_string(start - now);
+                e.extendedText = "An event of one second.";
+                m_events.push_back(e);
+            }
+    }
+    for (size_t s = 0; s < static_cast<size_t>(m_options.services); ++s) {
+        const TCStoredService &service = m_services[s];
         long long type = service.tags.at(1);
         if (type == 3 || !m_random.Percent(90))
             continue;  // data services and a few others broadcast no guide

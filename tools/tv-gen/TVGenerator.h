@@ -16,6 +16,10 @@ struct KelvoTvGenOptions {
     std::string fixturePath;  // the content daemon's server metadata
     std::string expectedDir;  // expected.json and expected.db
     int services = 240;
+    // One more service whose guide has an event starting every second around both ends of the
+    // day from "now", so that a dump's window is checked to the second (its rows then depend on
+    // the moment the dump runs, which the quiet period otherwise hides).
+    bool edgeService = false;
     uint64_t seed = 20261121;
     long long now = 0;
 };

@@ -14,12 +14,15 @@ void Usage(FILE *to)
 {
     std::fprintf(to,
                  "usage: kelvo-tv-gen --opt DIR --fixture FILE [--services N] [--seed S] [--now T] [--expected DIR]\n"
+                 "                    [--edge-service]\n"
                  "  --opt DIR       the TV's /opt: services, guide and the middleware's data folders\n"
                  "  --fixture FILE  server metadata for kelvo-daemon-sim --fixture\n"
                  "  --services N    number of TV services (default 240)\n"
                  "  --seed S        seed (default 20261121); the same seed and --now give the same TV\n"
                  "  --now T         the TV's 'now' in seconds since the epoch (default: the current time)\n"
-                 "  --expected DIR  where expected.json and expected.db go (default: the fixture's folder)\n");
+                 "  --expected DIR  where expected.json and expected.db go (default: the fixture's folder)\n"
+                 "  --edge-service  one more service with an event starting every second around both ends\n"
+                 "                  of the day from --now (its rows depend on when the dump runs)\n");
 }
 
 bool Number(const char *text, long long &out)
@@ -44,6 +47,10 @@ int main(int argc, char **argv)
         if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             return 0;
+        }
+        if (arg == "--edge-service") {
+            options.edgeService = true;
+            continue;
         }
         if (i + 1 >= argc) {
             Usage(stderr);
