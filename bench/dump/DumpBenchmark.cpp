@@ -5,7 +5,6 @@
 //   RATIO dump_export = (export seconds per row) / (bulk insert seconds per row).
 #include <benchmark/benchmark.h>
 #include <signal.h>
-#include <sqlite3.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -22,6 +21,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "SqliteBulkInsert.h"
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
@@ -52,17 +53,22 @@ struct Figures {
 
 std::string g_work;
 
+// In a forked child: becomes the program, or ends the child.
+[[noreturn]] void ExecChild(const std::vector<std::string> &argv)
+{
+    std::vector<char *> args;
+    for (const auto &a : argv)
+        args.push_back(const_cast<char *>(a.c_str()));
+    args.push_back(nullptr);
+    execv(args[0], args.data());
+    _exit(127);
+}
+
 int Exec(const std::vector<std::string> &argv)
 {
     pid_t pid = fork();
-    if (pid == 0) {
-        std::vector<char *> args;
-        for (const auto &a : argv)
-            args.push_back(const_cast<char *>(a.c_str()));
-        args.push_back(nullptr);
-        execv(args[0], args.data());
-        _exit(127);
-    }
+    if (pid == 0)
+        ExecChild(argv);
     int status = 0;
     waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -129,12 +135,7 @@ DumpRun RunDump()
         dup2(pipeFd[1], 2);
         close(pipeFd[0]);
         close(pipeFd[1]);
-        std::vector<char *> args;
-        for (const auto &a : argv)
-            args.push_back(const_cast<char *>(a.c_str()));
-        args.push_back(nullptr);
-        execv(args[0], args.data());
-        _exit(127);
+        ExecChild(argv);
     }
     close(pipeFd[1]);
     // Sampling walks /proc; it runs beside the reader so that lines are stamped as they come.
@@ -169,21 +170,11 @@ DumpRun RunDump()
     run.wall = std::chrono::duration<double>(Clock::now() - start).count();
     run.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
 
-    sqlite3 *db = nullptr;
-    std::string path = stick + "/DumpMWDB/kelvoutilInfo.db";
-    if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
-        auto count = [db](const char *sql) {
-            sqlite3_stmt *stmt = nullptr;
-            int rows = -1;
-            if (sqlite3_prepare_v2(db, sql, -1, &stmt, nullptr) == SQLITE_OK && sqlite3_step(stmt) == SQLITE_ROW)
-                rows = sqlite3_column_int(stmt, 0);
-            sqlite3_finalize(stmt);
-            return rows;
-        };
-        run.rfRows = count("SELECT count(*) FROM programRF");
-        run.metaRows = count("SELECT count(*) FROM programMETA");
+    KelvoBenchRows rows;
+    if (KelvoBenchSqlite::Read(stick + "/DumpMWDB/kelvoutilInfo.db", rows)) {
+        run.rfRows = static_cast<int>(rows.rf.size());
+        run.metaRows = static_cast<int>(rows.meta.size());
     }
-    sqlite3_close(db);
     return run;
 }
 
@@ -224,88 +215,26 @@ void BM_WholeDump(benchmark::State &state)
     state.counters["peak_rss_kb"] = static_cast<double>(run.peakRssKb);
 }
 
-// The same rows, read back from the stick, into a fresh file with one prepared statement per
-// table inside one transaction.
+// The same rows, read back from the stick, written by SQLite's prepared bulk insert.
 void BM_SqliteBulkInsert(benchmark::State &state)
 {
-    struct Cell {
-        int type;
-        long long integer;
-        double real;
-        std::string text;
-    };
-    struct Table {
-        const char *name;
-        std::vector<std::vector<Cell>> rows;
-    } tables[] = {{"programRF", {}}, {"programMETA", {}}};
-    sqlite3 *source = nullptr;
-    std::string path = g_work + "/stick/DumpMWDB/kelvoutilInfo.db";
-    if (sqlite3_open_v2(path.c_str(), &source, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
-        sqlite3_close(source);
+    KelvoBenchRows rows;
+    if (!KelvoBenchSqlite::Read(g_work + "/stick/DumpMWDB/kelvoutilInfo.db", rows)) {
         state.SkipWithError("no dump database on the stick");
         return;
     }
-    int total = 0;
-    for (auto &table : tables) {
-        sqlite3_stmt *stmt = nullptr;
-        std::string sql = std::string("SELECT * FROM ") + table.name;
-        sqlite3_prepare_v2(source, sql.c_str(), -1, &stmt, nullptr);
-        while (sqlite3_step(stmt) == SQLITE_ROW) {
-            std::vector<Cell> row;
-            for (int c = 0; c < 9; ++c) {
-                Cell cell{sqlite3_column_type(stmt, c), sqlite3_column_int64(stmt, c), sqlite3_column_double(stmt, c), ""};
-                if (cell.type == SQLITE_TEXT)
-                    cell.text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, c));
-                row.push_back(cell);
-            }
-            table.rows.push_back(row);
-            ++total;
-        }
-        sqlite3_finalize(stmt);
-    }
-    sqlite3_close(source);
-
-    const std::string target = g_work + "/tv/opt/bulk.db";
     for (auto _ : state) {
-        fs::remove(target);
-        Clock::time_point start = Clock::now();
-        sqlite3 *db = nullptr;
-        sqlite3_open(target.c_str(), &db);
-        sqlite3_exec(db,
-                     "CREATE TABLE programRF(serviceId integer, eventId integer, starttime integer, duration integer, "
-                     "language text, tsid integer, onid integer, title text, descript text);"
-                     "CREATE TABLE programMETA(serviceId integer, actId integer, metaSrcId integer, metaProgId integer, "
-                     "starttime integer, duration integer, language text, title text, descript text);"
-                     "BEGIN;",
-                     nullptr, nullptr, nullptr);
-        for (auto &table : tables) {
-            sqlite3_stmt *stmt = nullptr;
-            std::string sql = std::string("INSERT INTO ") + table.name + " VALUES (?,?,?,?,?,?,?,?,?)";
-            sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr);
-            for (const auto &row : table.rows) {
-                sqlite3_reset(stmt);
-                for (int c = 0; c < 9; ++c) {
-                    const Cell &cell = row[static_cast<size_t>(c)];
-                    if (cell.type == SQLITE_INTEGER)
-                        sqlite3_bind_int64(stmt, c + 1, cell.integer);
-                    else if (cell.type == SQLITE_FLOAT)
-                        sqlite3_bind_double(stmt, c + 1, cell.real);
-                    else
-                        sqlite3_bind_text(stmt, c + 1, cell.text.c_str(), -1, SQLITE_STATIC);
-                }
-                sqlite3_step(stmt);
-            }
-            sqlite3_finalize(stmt);
+        double seconds = KelvoBenchSqlite::BulkInsert(g_work + "/tv/opt/bulk.db", rows);
+        if (seconds < 0) {
+            state.SkipWithError("the bulk insert failed");
+            return;
         }
-        sqlite3_exec(db, "COMMIT;", nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-        double seconds = std::chrono::duration<double>(Clock::now() - start).count();
         state.SetIterationTime(seconds);
         if (seconds < g_figures.bulk)
             g_figures.bulk = seconds;
     }
-    g_figures.bulkRows = total;
-    state.counters["rows"] = total;
+    g_figures.bulkRows = static_cast<int>(rows.Count());
+    state.counters["rows"] = g_figures.bulkRows;
 }
 
 BENCHMARK(BM_WholeDump)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);

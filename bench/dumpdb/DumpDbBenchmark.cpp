@@ -15,6 +15,7 @@
 
 #include "FCElementData.h"
 #include "TVServiceAPI.h"
+#include "SqliteBulkInsert.h"
 #include "databaseHelper.h"
 
 namespace {
@@ -127,62 +128,36 @@ void BM_DumpDatabase(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * kRows);
 }
 
-// What the database itself allows: the same schema and values, statements prepared once,
-// values bound, one transaction, on a fresh file each time.
+KelvoBenchCell Integer(long long value) { return {SQLITE_INTEGER, value, 0, ""}; }
+KelvoBenchCell Text(const std::string &value) { return {SQLITE_TEXT, 0, 0, value}; }
+
+// The same rows as cells of the two tables, for SQLite's own bulk insert.
+const KelvoBenchRows &TheCells()
+{
+    static const KelvoBenchRows cells = [] {
+        KelvoBenchRows c;
+        for (const KelvoUtilProgramData &r : TheRows().rf)
+            c.rf.push_back({Integer(static_cast<long long>(r.ServiceId())), Integer(r.EventId()),
+                            Integer(static_cast<long long>(r.Starttime())), Integer(static_cast<long long>(r.Duration())),
+                            Text(r.Language()), Integer(r.TSID()), Integer(r.ONID()), Text(r.Title()),
+                            Text(r.Description())});
+        for (const KelvoUtilProgramData &m : TheRows().meta)
+            c.meta.push_back({Integer(static_cast<long long>(m.ServiceId())), Integer(m.ActivityId()),
+                              Text(m.ProgramSourceId()), Text(m.MetaProgramId()),
+                              Integer(static_cast<long long>(m.Starttime())),
+                              Integer(static_cast<long long>(m.Duration())), Text(m.Language()), Text(m.Title()),
+                              Text(m.Description())});
+        return c;
+    }();
+    return cells;
+}
+
 void BM_SqliteLimit(benchmark::State &state)
 {
-    const Rows &rows = TheRows();
-    const std::string path = Folder() + "/limit.db";
-    for (auto _ : state) {
-        std::remove(path.c_str());
-        sqlite3 *db = nullptr;
-        sqlite3_open(path.c_str(), &db);
-        sqlite3_exec(db,
-                     "CREATE TABLE IF NOT EXISTS programRF(serviceId integer, eventId integer, starttime integer, "
-                     "duration integer, language text, tsid integer, onid integer, title text, descript text);"
-                     "CREATE TABLE IF NOT EXISTS programMETA(serviceId integer, actId integer, metaSrcId integer, "
-                     "metaProgId integer, starttime integer, duration integer, language text, title text, "
-                     "descript text);BEGIN;",
-                     nullptr, nullptr, nullptr);
-        sqlite3_stmt *rf = nullptr;
-        sqlite3_stmt *meta = nullptr;
-        sqlite3_prepare_v2(db, "INSERT INTO programRF VALUES (?,?,?,?,?,?,?,?,?)", -1, &rf, nullptr);
-        sqlite3_prepare_v2(db, "INSERT INTO programMETA VALUES (?,?,?,?,?,?,?,?,?)", -1, &meta, nullptr);
-        auto text = [](sqlite3_stmt *s, int i, const std::string &v) {
-            sqlite3_bind_text(s, i, v.c_str(), static_cast<int>(v.size()), SQLITE_TRANSIENT);
-        };
-        for (int i = 0; i < kRows / 2; ++i) {
-            const KelvoUtilProgramData &r = rows.rf[i];
-            sqlite3_bind_int64(rf, 1, static_cast<sqlite3_int64>(r.ServiceId()));
-            sqlite3_bind_int(rf, 2, r.EventId());
-            sqlite3_bind_int64(rf, 3, static_cast<sqlite3_int64>(r.Starttime()));
-            sqlite3_bind_int64(rf, 4, static_cast<sqlite3_int64>(r.Duration()));
-            text(rf, 5, r.Language());
-            sqlite3_bind_int(rf, 6, r.TSID());
-            sqlite3_bind_int(rf, 7, r.ONID());
-            text(rf, 8, r.Title());
-            text(rf, 9, r.Description());
-            sqlite3_step(rf);
-            sqlite3_reset(rf);
-
-            const KelvoUtilProgramData &m = rows.meta[i];
-            sqlite3_bind_int64(meta, 1, static_cast<sqlite3_int64>(m.ServiceId()));
-            sqlite3_bind_int(meta, 2, m.ActivityId());
-            text(meta, 3, m.ProgramSourceId());
-            text(meta, 4, m.MetaProgramId());
-            sqlite3_bind_int64(meta, 5, static_cast<sqlite3_int64>(m.Starttime()));
-            sqlite3_bind_int64(meta, 6, static_cast<sqlite3_int64>(m.Duration()));
-            text(meta, 7, m.Language());
-            text(meta, 8, m.Title());
-            text(meta, 9, m.Description());
-            sqlite3_step(meta);
-            sqlite3_reset(meta);
-        }
-        sqlite3_finalize(rf);
-        sqlite3_finalize(meta);
-        sqlite3_exec(db, "COMMIT;", nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-    }
+    const KelvoBenchRows &cells = TheCells();
+    for (auto _ : state)
+        if (KelvoBenchSqlite::BulkInsert(Folder() + "/limit.db", cells) < 0)
+            state.SkipWithError("the bulk insert failed");
     state.SetItemsProcessed(state.iterations() * kRows);
 }
 
@@ -216,7 +191,7 @@ int main(int argc, char **argv)
     const int savedStderr = dup(STDERR_FILENO);
     const int devNull = open("/dev/null", O_WRONLY);
     dup2(devNull, STDERR_FILENO);
-    TheRows();
+    TheCells();
     SummaryReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     dup2(savedStderr, STDERR_FILENO);

@@ -1,5 +1,5 @@
-// Every wrapper pair of the marshal family in one table: the members its writer puts on the
-// wire, that its reader gets back what the writer wrote (compared as the writer writes it
+// Records and the marshal family. One table holds every wrapper pair: the members its writer puts
+// on the wire, that its reader gets back what the writer wrote (compared as the writer writes it
 // again), and what its reader makes of a reply without the members ({}).
 #include <functional>
 #include <set>
@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include "FCJsonHelper.h"
 #include "FCMarshal.h"
+#include "FakeDlog.h"
+#include "dlog.h"
 
 namespace {
 
@@ -22,20 +25,11 @@ enum class OnEmpty {
 
 using Keys = std::set<std::string>;
 
-struct Row {
-    std::string name;
-    Keys written;
-    OnEmpty onEmpty;
-    Keys added;
-    std::function<Json::Value()> write;
-    std::function<bool(Json::Value &, bool fromSample)> read;  // true when the values are as expected
-};
+// read: true when the values are as expected.
+struct Row { std::string name; Keys written; OnEmpty onEmpty; Keys added; std::function<Json::Value()> write; std::function<bool(Json::Value &, bool fromSample)> read; };
 
 template <typename... T>
-struct Pair {
-    std::function<bool(T &..., Json::Value &)> write;
-    std::function<bool(Json::Value &, T &...)> read;
-};
+struct Pair { std::function<bool(T &..., Json::Value &)> write; std::function<bool(Json::Value &, T &...)> read; };
 
 // sample is what the writer writes; zero what a reader makes of sample outputs from {}.
 template <typename... T>
@@ -59,76 +53,78 @@ Row MakeRow(const char *name, Keys written, OnEmpty onEmpty, Pair<T...> fns, std
 
 #define WRAPPERS(W, R) {FCMarshal::W, FCMarshal::R}
 
-using E = eRemoteContentActivity;
-using S = std::string;
-using UL = unsigned long;
-using ULL = unsigned long long;
-using Nav = FCRFNetworkChannelAPI::ENavigationMode;
-using Act = FCMBRNetworkChannelAPI::EActivityID;
-using Query = FCMBRNetworkChannelAPI::EMBRNetworkChannelQuery;
-using Fav = FCMBRNetworkChannel::EFavorite;
-using Logo = FCVirtualChannelsAPI::EChannelLogoSize;
-using Player = FCVirtualChannelsAPI::EPlayerType;
-using LogoType = FCVirtualChannelsAPI::EProgramLogoType;
-using Acr = FIACRSupportAPI::AcrVerified;
-using Ids = std::vector<std::string>;
-using ProgramMap = std::map<std::string, std::vector<FCRemoteProgram>>;
+using E = eRemoteContentActivity; using S = std::string;
+using UL = unsigned long; using ULL = unsigned long long;
+using Nav = FCRFNetworkChannelAPI::ENavigationMode; using Act = FCMBRNetworkChannelAPI::EActivityID;
+using Query = FCMBRNetworkChannelAPI::EMBRNetworkChannelQuery; using Fav = FCMBRNetworkChannel::EFavorite;
+using Logo = FCVirtualChannelsAPI::EChannelLogoSize; using Player = FCVirtualChannelsAPI::EPlayerType;
+using LogoType = FCVirtualChannelsAPI::EProgramLogoType; using Acr = FIACRSupportAPI::AcrVerified;
+using Ids = std::vector<std::string>; using ProgramMap = std::map<std::string, std::vector<FCRemoteProgram>>;
 
-FCRemoteProgram Program(const std::string &title, unsigned long start)
-{
-    FCRemoteProgram p;
-    p.m_programSourceId = "src";
-    p.m_title = title;
-    p.m_utcStartTime = start;
-    p.m_genres = {"g1", "g2"};
-    return p;
-}
-
-template <typename T, typename... Setters>
-T With(Setters... setters)
+// A record with the fields the setter gives it.
+template <typename T, typename Setter>
+T With(Setter setter)
 {
     T value;
-    (setters(value), ...);
+    setter(value);
     return value;
 }
 
-FCFilterCriteria Filter(const std::string &ids)
+const char *const kProgram = R"({"activityID":1,"program source id":"src-1","channel name":"News 24",
+    "channel number":"7-1","program id":"prog-9","lang":"eng","start time":"20:00","utc start time":1795291200,
+    "duration":3600,"title":"Evening \"News\"","cert flag":"TV-G","genre array":["a","b"],"poster url":"http://p",
+    "poster type":"wide","poster overlay":"ov","poster index":"2","short desc":"short","desc":"long description",
+    "series":"S1","EndTime":1795294800,"IsRF":true})";
+// The genre name is read from "genre name" but written as "gere name".
+const char *const kChannel = R"({"activityID":1,"str_program_source_id":"ps","str_channel_name":"cn",
+    "str_channel_number":"7-1","str_alias":"al","str_major":"7","str_minor":"1","str_onid":"on","str_tsid":"ts",
+    "str_sid":"si","str_frequency":"fr","str_ptc":"36","str_icon_url":"iu","str_url_index":"ui","str_dtv":"dt",
+    "embed":3,"str_digital_flag":"df","str_qam_flag":"qf","genre id":"gi","gere name":"%s","ac_rank":"ar"})";
+
+Json::Value Parse(const std::string &text)
 {
-    return With<FCFilterCriteria>([&](FCFilterCriteria &f) { f.m_genreIdList = ids; });
+    Json::Value value;
+    EXPECT_TRUE(FCJsonHelper::ParseToJson(text, value));
+    return value;
 }
 
-FCMBRNetworkChannel MbrChannel()
+std::string WithGenreName(const char *name) { return std::string(kChannel).replace(std::string(kChannel).find("%s"), 2, name); }
+FCRemoteProgram FullProgram() { return With<FCRemoteProgram>([](FCRemoteProgram &p) { FCRemoteProgram::FromJson(Parse(kProgram), p); }); }
+FCRemoteChannel FullChannel() { return With<FCRemoteChannel>([](FCRemoteChannel &c) { Json::Value j = Parse(WithGenreName("lost")); FCRemoteChannel::FromJson(j, c); }); }
+FCFilterCriteria Filter(const std::string &ids) { return With<FCFilterCriteria>([&](FCFilterCriteria &f) { f.m_genreIdList = ids; }); }
+FCRemoteProgram Program(const std::string &title, unsigned long start)
 {
-    return With<FCMBRNetworkChannel>([](FCMBRNetworkChannel &c) {
-        c.SetMajor(11);
+    return With<FCRemoteProgram>([&](FCRemoteProgram &p) { p.m_title = title, p.m_utcStartTime = start, p.m_genres = {"g1", "g2"}; });
+}
+
+FCMBRNetworkChannel MakeChannel(int major, int minor, int id = -1)
+{
+    return With<FCMBRNetworkChannel>([=](FCMBRNetworkChannel &c) mutable {
+        c.SetMajor(major), c.SetOriginMajor(major), c.SetMinor(minor), c.SetChannelID(id);
         c.SetFavorite(FCMBRNetworkChannel::FAVORITE_2, true);
     });
 }
 
-FCMBRNetworkProgram MbrProgram(unsigned long start)
+FCMBRNetworkProgram MakeProgram(unsigned long start, int duration, std::string title)
 {
-    return With<FCMBRNetworkProgram>([=](FCMBRNetworkProgram &p) {
-        std::string id = "p" + std::to_string(start);
-        p.SetStartTime(start);
-        p.SetProgramID(id);
+    return With<FCMBRNetworkProgram>([=](FCMBRNetworkProgram &p) mutable {
+        std::string id = "p" + title;
+        p.SetStartTime(start), p.SetDuration(duration), p.SetTitle(title), p.SetProgramID(id);
     });
 }
 
-const Keys kProgramKeys = {"activityID", "program source id", "channel name", "channel number", "program id",
-                           "lang", "start time", "utc start time", "duration", "title", "cert flag", "genre array",
-                           "poster url", "poster type", "poster overlay", "poster index", "short desc", "desc",
-                           "series", "EndTime", "IsRF"};
-const Keys kChannelKeys = {"activityID", "str_program_source_id", "str_channel_name", "str_channel_number",
-                           "str_alias", "str_major", "str_minor", "str_onid", "str_tsid", "str_sid", "str_frequency",
-                           "str_ptc", "str_icon_url", "str_url_index", "str_dtv", "embed", "str_digital_flag",
-                           "str_qam_flag", "genre id", "gere name", "ac_rank"};
-
-Keys WithGenreNameReadKey()
+Keys Names(const Json::Value &value)
 {
-    Keys keys = kChannelKeys;
+    const auto names = value.getMemberNames();
+    return Keys(names.begin(), names.end());
+}
+
+// Read from "genre name", written as "gere name".
+Keys ChannelReadKeys()
+{
+    Keys keys = Names(Parse(WithGenreName("")));
     keys.erase("gere name");
-    keys.insert("genre name");
-    return keys;
+    return keys.insert("genre name"), keys;
 }
 
 const std::vector<Row> &Table()
@@ -240,16 +236,15 @@ const std::vector<Row> &Table()
             {With<CKelvoResponse_CertRule>([](CKelvoResponse_CertRule &r) { r.m_strBarRatio = "16:9"; })}),
         MakeRow<CKelvoResponse_VODProviders>("VODProvider", {"out_vod_providers"}, O::Keeps, WRAPPERS(VODProviderToJson, JsonToVODProvider),
             {With<CKelvoResponse_VODProviders>([](CKelvoResponse_VODProviders &p) { p.m_providers["k"].m_logo = "l"; })}),
-        MakeRow<FCRemoteProgram>("FCRemoteProgram", kProgramKeys, O::Zero, WRAPPERS(FCRemoteProgramToJson, JsonToFCRemoteProgram),
-            {Program("T", 1000)},
-            {With<FCRemoteProgram>([](FCRemoteProgram &p) { p.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID; p.m_genres = {"g1", "g2"}; })}),
-        MakeRow<FCRemoteChannel>("FCRemoteChannel", kChannelKeys, O::AddsMembers, WRAPPERS(FCRemoteChannelToJson, JsonToFCRemoteChannel),
-            {With<FCRemoteChannel>([](FCRemoteChannel &c) { c.m_major = "7"; c.m_embed = 2; })}, {}, WithGenreNameReadKey()),
+        MakeRow<FCRemoteProgram>("FCRemoteProgram", Names(Parse(kProgram)), O::Zero, WRAPPERS(FCRemoteProgramToJson, JsonToFCRemoteProgram),
+            {FullProgram()}, {With<FCRemoteProgram>([](FCRemoteProgram &p) { p.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID; p.m_genres = {"a", "b"}; })}),
+        MakeRow<FCRemoteChannel>("FCRemoteChannel", Names(Parse(WithGenreName(""))), O::AddsMembers, WRAPPERS(FCRemoteChannelToJson, JsonToFCRemoteChannel),
+            {FullChannel()}, {}, ChannelReadKeys()),
         MakeRow<FCMBRNetworkProgram>("MBRProgram", {"m_startTime", "m_duration", "m_title", "m_channelID", "m_programID"}, O::Raises,
-            WRAPPERS(MBRProgramToJson, JsonToMBRProgram), {MbrProgram(5)}),
+            WRAPPERS(MBRProgramToJson, JsonToMBRProgram), {MakeProgram(5, 60, "t")}),
         MakeRow<FCMBRNetworkChannel>("MBRNetworkChannel", {"m_activityID", "m_acRank", "m_str_icon_url", "m_str_url_index", "m_major",
             "m_originMajor", "m_minor", "m_name", "m_originName", "m_channelID", "m_remembered", "m_bDigital", "bit set"}, O::Raises,
-            WRAPPERS(MBRNetworkChannelToJson, JsonToMBRNetworkChannel), {MbrChannel()}),
+            WRAPPERS(MBRNetworkChannelToJson, JsonToMBRNetworkChannel), {MakeChannel(11, 3, 4)}),
 
         // Lists and keyed maps: reading {} appends nothing and adds nothing.
         MakeRow<std::vector<FCRemoteChannel>>("ChannelList", {"channel_array"}, O::Keeps, WRAPPERS(ChannelListToJson, JsonToChannelList),
@@ -261,9 +256,9 @@ const std::vector<Row> &Table()
         MakeRow<FCRFNetworkChannelTable>("RFNetworkChannelTable", {"service list"}, O::Keeps, WRAPPERS(RFNetworkChannelTableToJson, JsonToRFNetworkChannelTable),
             {With<FCRFNetworkChannelTable>([](FCRFNetworkChannelTable &t) { t.m_rfNetworkChannelList = {99, 100}; })}),
         MakeRow<FCMBRNetworkChannelTable>("MBRNetworkChannelTable", {"MBR channel table"}, O::Keeps, WRAPPERS(MBRNetworkChannelTableToJson, JsonToMBRNetworkChannelTable),
-            {With<FCMBRNetworkChannelTable>([](FCMBRNetworkChannelTable &t) { t.AppendNetworkChannel(MbrChannel()); })}),
+            {With<FCMBRNetworkChannelTable>([](FCMBRNetworkChannelTable &t) { t.AppendNetworkChannel(MakeChannel(11, 3, 4)); })}),
         MakeRow<FCMBRNetworkProgramTable>("MBRProgramTable", {"mbrProgramTable"}, O::Keeps, WRAPPERS(MBRProgramTableToJson, JsonToMBRProgramTable),
-            {With<FCMBRNetworkProgramTable>([](FCMBRNetworkProgramTable &t) { auto a = MbrProgram(20), b = MbrProgram(10); t.AppendNetworkProgram(a); t.AppendNetworkProgram(b); })}),
+            {With<FCMBRNetworkProgramTable>([](FCMBRNetworkProgramTable &t) { auto a = MakeProgram(20, 1, "a"), b = MakeProgram(10, 1, "b"); t.AppendNetworkProgram(a); t.AppendNetworkProgram(b); })}),
         MakeRow<std::map<unsigned int, FCRemoteProgram>>("MetaProgramMap", {"meta_program_map"}, O::Keeps, WRAPPERS(MetaProgramMapToJson, JsonToMetaProgramMap),
             {{{3, Program("c", 3)}, {1, Program("a", 1)}}}),
         MakeRow<std::map<std::string, FCRemoteChannelKey>>("ProgramSourceMap", {"out_tunable_program_source_id_map"}, O::Keeps,
@@ -276,23 +271,15 @@ const std::vector<Row> &Table()
     return rows;
 }
 
-Keys Names(const Json::Value &value)
-{
-    const auto names = value.getMemberNames();
-    return Keys(names.begin(), names.end());
-}
-
 }  // namespace
 
 TEST(Marshal, EveryWrapperWritesItsMembersReadsThemBackAndTreatsAnEmptyReplyAsItsShapeSays)
 {
     for (const Row &row : Table()) {
         SCOPED_TRACE(row.name);
-        Json::Value written = row.write();
+        Json::Value written = row.write(), empty(Json::objectValue);
         EXPECT_EQ(Names(written), row.written);
         EXPECT_TRUE(row.read(written, true));
-
-        Json::Value empty(Json::objectValue);
         if (row.onEmpty == OnEmpty::Raises) {
             EXPECT_THROW(row.read(empty, false), Json::LogicError);
             continue;
@@ -302,25 +289,15 @@ TEST(Marshal, EveryWrapperWritesItsMembersReadsThemBackAndTreatsAnEmptyReplyAsIt
     }
 }
 
+// Types on the wire, which the table's round trips cannot see; writers add to what is there.
 TEST(Marshal, WireTypesAndExistingMembers)
 {
-    Json::Value out;
-    out["keep"] = "me";
-    FCMarshal::TCServiceIdToJson(18446744073709551615ULL, out);
-    FCMarshal::PGNumToJson(static_cast<unsigned short>(7), out);
-    FCMarshal::FlagToJson(true, out);
-    FCMarshal::IdToJson(-3, out);
-    EXPECT_EQ(out["keep"], "me");
-    EXPECT_EQ(out["TCServiceId"], "18446744073709551615");
-    EXPECT_EQ(out["pgNum"].type(), Json::uintValue);
-    EXPECT_EQ(out["flag"].type(), Json::booleanValue);
-    EXPECT_EQ(out["id"].type(), Json::intValue);
-
-    Json::Value reply;
-    reply["ret"] = 5;
-    reply["dataType"] = 2;
-    EXPECT_EQ(FCMarshal::JsonToInt(reply), 5);
-    EXPECT_EQ(FCMarshal::JsonToDataServiceType(reply), 2);
+    Json::Value out = Parse(R"({"keep":"me"})");
+    FCMarshal::TCServiceIdToJson(18446744073709551615ULL, out), FCMarshal::PGNumToJson(static_cast<unsigned short>(7), out);
+    FCMarshal::FlagToJson(true, out), FCMarshal::IdToJson(-3, out);
+    EXPECT_EQ(FCJsonHelper::WriteCompact(out), R"({"TCServiceId":"18446744073709551615","flag":true,"id":-3,"keep":"me","pgNum":7})");
+    EXPECT_TRUE(out["pgNum"].type() == Json::uintValue && out["id"].type() == Json::intValue);
+    EXPECT_EQ(FCMarshal::JsonToInt(Parse(R"({"ret":5})")) * 10 + FCMarshal::JsonToDataServiceType(Parse(R"({"dataType":2})")), 52);
 }
 
 TEST(Marshal, ContainersKeepKeyOrderAndMapReadersAssignPerKey)
@@ -329,44 +306,207 @@ TEST(Marshal, ContainersKeepKeyOrderAndMapReadersAssignPerKey)
     Json::Value out;
     FCMarshal::MetaProgramMapToJson(programs, out);
     ASSERT_EQ(out["meta_program_map"].size(), 2u);
-    EXPECT_EQ(out["meta_program_map"][0]["key"], 10u);
-    EXPECT_EQ(out["meta_program_map"][0]["title"], "a");
-
+    EXPECT_EQ(out["meta_program_map"][0]["key"].asString() + out["meta_program_map"][0]["title"].asString(), "10a");
     out["meta_program_map"][1]["key"] = 10u;  // a later element with the same key replaces
     std::map<unsigned int, FCRemoteProgram> read = {{9, Program("kept", 9)}};
     FCMarshal::JsonToMetaProgramMap(out, read);
     ASSERT_EQ(read.size(), 2u);
-    EXPECT_EQ(read[10].m_title, "c");
-    EXPECT_EQ(read[9].m_title, "kept");
+    EXPECT_EQ(read[10].m_title + read[9].m_title, "ckept");
 
     ProgramMap bySource = {{"s1", {Program("a", 1), Program("b", 2)}}, {"s2", {Program("c", 3)}}};
     ProgramMap reply = {{"s1", {Program("z", 9)}}};
-    Json::Value replyJson;
-    FCMarshal::ProgramMapToJson(reply, replyJson);
-    FCMarshal::JsonToProgramMap(replyJson, bySource);
-    ASSERT_EQ(bySource["s1"].size(), 1u);
+    FCMarshal::ProgramMapToJson(reply, out);
+    FCMarshal::JsonToProgramMap(out, bySource);
+    ASSERT_EQ(bySource["s1"].size() * 10 + bySource["s2"].size(), 11u);
     EXPECT_EQ(bySource["s1"][0].m_title, "z");
-    EXPECT_EQ(bySource["s2"].size(), 1u);
 
     Ids ids = {"x"};
-    Json::Value list;
-    list["sourceIDArray"].append("y");
+    Json::Value list = Parse(R"({"sourceIDArray":["y"]})");
     FCMarshal::JsonToSourceIDList(list, ids);
     EXPECT_EQ(ids, (Ids{"x", "y"}));
 }
 
 TEST(Marshal, DecimalTextStopsAtTheFirstNonDigit)
 {
-    unsigned long long id = 5;
-    Json::Value in;
-    in["TCServiceId"] = "123abc";
-    FCMarshal::VCJsonToServiceId(in, id);
-    EXPECT_EQ(id, 123u);
-    in["TCServiceId"] = "abc";
-    FCMarshal::JsonToTCServiceId(in, id);
-    EXPECT_EQ(id, 0u);
+    unsigned long long id = 5, other = 5;
     long download = 1;
-    in["imageDownloadId"] = "-12x";
-    FCMarshal::JsonToImageDownloadId(in, download);
-    EXPECT_EQ(download, -12);
+    Json::Value in = Parse(R"({"TCServiceId":"123abc","imageDownloadId":"-12x"})"), letters = Parse(R"({"TCServiceId":"abc"})");
+    FCMarshal::VCJsonToServiceId(in, id), FCMarshal::JsonToImageDownloadId(in, download), FCMarshal::JsonToTCServiceId(letters, other);
+    EXPECT_EQ(std::to_string(id) + "|" + std::to_string(download) + "|" + std::to_string(other), "123|-12|0");
+}
+
+// Every other field's round trip is in the marshal table.
+TEST(RemoteRecords, GenresAndTheChannelsGenreNameAndKey)
+{
+    FCRemoteProgram program = FullProgram();
+    Json::Value without, json = Parse(WithGenreName("Sports")), key;
+    program.m_genres.clear();
+    FCRemoteProgram::ToJson(program, without);
+    EXPECT_FALSE(without.isMember("genre array"));
+
+    FCRemoteChannel channel = FullChannel();  // its "gere name" is not read
+    EXPECT_EQ(channel.m_genreName, "");
+    json["genre name"] = "Read";
+    FCRemoteChannel::FromJson(json, channel), FCRemoteChannel::ToJson(channel, without);
+    EXPECT_EQ(without["gere name"], "Read");
+    FCRemoteChannelKey fromChannel, back;
+    channel.GetKey(fromChannel), FCRemoteChannelKey::ToJson(fromChannel, key);
+    EXPECT_EQ(FCJsonHelper::WriteCompact(key), R"({"channel_key":{"activityID":1,"str_channel_number":"7-1","str_digital_flag":"df",)"
+                                               R"("str_frequency":"fr","str_major":"7","str_minor":"1","str_onid":"on","str_sid":"si","str_tsid":"ts"}})");
+    FCRemoteChannelKey::FromJson(key, back);
+    EXPECT_EQ(back, fromChannel);
+}
+
+TEST(RemoteRecords, AProgrammeMemberOfTheWrongTypeIsCaughtLoggedAndAsserted)
+{
+    FakeDlog::Clear();
+    Json::Value json = Parse(kProgram);
+    json["title"] = Json::Value(Json::objectValue);
+    FCRemoteProgram p;
+    EXPECT_FALSE(FCRemoteProgram::FromJson(json, p));
+    EXPECT_EQ(p.m_programSourceId, "src-1");  // read before the bad member: kept
+    for (const char *text : {"DBG_LV[0][FCRemoteProgram::FromJson] Exception Catch: ", "ASSERT!, Func:FromJson", "ASSERT(0)"})
+        EXPECT_TRUE(FakeDlog::Contains(text)) << text;
+}
+
+TEST(RemoteRecords, ProgrammeTextFormKeepsOnlyTheLastGenreAndLeavesOutDescriptionEndAndRF)
+{
+    FCRemoteProgram p = FullProgram(), back, none;
+    std::string text, notJson = "{not json";
+    ASSERT_TRUE(p.to_string(text));
+    EXPECT_EQ(text, R"({"activityID":1,"duration":3600,"genre_array":[{"id":"b"}],"series":"S1","strTitle":"Evening \"News\"",)"
+                    R"("str_cert_flag":"TV-G","str_channel_name":"News 24","str_channel_number":"7-1","str_lang":"eng",)"
+                    R"("str_poster_index":"2","str_poster_overlay":"ov","str_poster_type":"wide","str_poster_url":"http://p",)"
+                    R"("str_program_id":"prog-9","str_program_source_id":"src-1","str_short_desc":"short","str_starttime":"20:00",)"
+                    R"("utc_starttime":1795291200})");
+    back.m_genres = {"x"};
+    ASSERT_TRUE(back.from_string(text));
+    EXPECT_EQ(back.m_genres, (std::vector<std::string>{"x", "b"}));
+    EXPECT_EQ(back.m_title + std::to_string(back.m_utcStartTime) + back.m_desc, p.m_title + "1795291200");
+    ASSERT_TRUE(none.to_string(text));
+    EXPECT_EQ(Parse(text)["genre_array"], Parse("[null]"));
+    EXPECT_FALSE(p.from_string(notJson));
+    EXPECT_EQ(p.m_genres, FullProgram().m_genres);
+}
+
+TEST(RemoteRecords, Order)
+{
+    FCRemoteProgram a = FullProgram(), b = FullProgram(), c = FullProgram();
+    b.m_utcStartTime += 1, b.m_title = "other";
+    EXPECT_TRUE(a < b && !(b < a));
+    b.m_programSourceId = "src-0";
+    EXPECT_TRUE(b < a);
+    c.m_shortDesc = c.m_posterType = "different", c.m_endTime = 0, c.m_isRF = false;  // presentation only
+    EXPECT_EQ(a, c);
+    c.m_desc = "different";
+    EXPECT_NE(a, c);
+
+    FCRemoteChannelKey low, high;
+    low.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID, high.m_channelNumber = "1";
+    EXPECT_TRUE(low < high);  // activity first, signed
+    low.m_activityID = high.m_activityID, low.m_channelNumber = "1", low.m_major = "5", high.m_major = "50";
+    EXPECT_TRUE(low < high && !(high < low) && !(low < low));  // a prefix is smaller
+    FCAdditionalProgramRequest r1("a", 10, 5), r2("a", 10, 6), r3("a", 9, 100);
+    EXPECT_TRUE(r1 < r2 && r3 < r1);
+}
+
+TEST(ServerResponse, VODProvidersKeyedByStringLaterElementWins)
+{
+    Json::Value out, json = Parse(R"({"out_vod_providers":[
+        {"string":"netflix","name":"first","provider id":"p","logo":"l","widget id":"w","version":"1"},
+        {"string":"netflix","name":"second","provider id":"p","logo":"l","widget id":"w2","version":"1"}]})");
+    CKelvoResponse_VODProviders providers;
+    providers.m_providers["other"].m_name = "kept";
+    ASSERT_TRUE(CKelvoResponse_VODProviders::FromJson(json, providers) && CKelvoResponse_VODProviders::ToJson(providers, out));
+    ASSERT_EQ(providers.m_providers.size(), 2u);
+    EXPECT_EQ(out["out_vod_providers"][0], json["out_vod_providers"][1]);
+}
+
+TEST(MBRChannel, DefaultsFavouritesEqualityOrderAndRestore)
+{
+    FakeDlog::Clear();
+    FCMBRNetworkChannel c;
+    FCMBRNetworkProgram program;
+    Json::Value json, programJson;
+    EXPECT_TRUE(c.SetFavorite(FCMBRNetworkChannel::FAVORITE_5, true));
+    FCMBRNetworkChannel::MBRNetworkChannelToJson(c, json);
+    FCMBRNetworkProgram::MBRNetworkProgramToJson(program, programJson);
+    EXPECT_EQ(FCJsonHelper::WriteCompact(json) + FCJsonHelper::WriteCompact(programJson),
+              R"({"bit set":"10000","m_acRank":0,"m_activityID":6,"m_bDigital":true,"m_channelID":-1,"m_major":-1,"m_minor":0,)"
+              R"("m_name":"","m_originMajor":-1,"m_originName":"","m_remembered":false,"m_str_icon_url":"","m_str_url_index":""})"
+              R"({"m_channelID":-1,"m_duration":-1,"m_programID":"","m_startTime":18446744073709551615,"m_title":""})");
+    EXPECT_TRUE(c.GetFavorite(FCMBRNetworkChannel::FAVORITE_5) && !c.GetFavorite(FCMBRNetworkChannel::FAVORITE_1));
+    EXPECT_FALSE(c.SetFavorite(FCMBRNetworkChannel::EFavorite(5), true) || c.GetFavorite(FCMBRNetworkChannel::EFavorite(7)));
+    EXPECT_TRUE(FakeDlog::Contains("favorite < MBR_NETWORKCHANNEL_FAVORITE_MAX") && FakeDlog::Contains("ASSERT!, Func:SetFavorite"));
+    json["bit set"] = "10x01";
+    EXPECT_THROW(FCMBRNetworkChannel::JsonToMBRNetworkChannel(json, c), std::invalid_argument);
+
+    FCMBRNetworkChannel a = MakeChannel(5, 1, 9), b = MakeChannel(5, 1, 9);
+    b.SetRemembered(true), b.SetActivityID(2), b.SetacRank(8);  // outside equality
+    EXPECT_EQ(a, b);
+    b.SetDigitalFlag(false);
+    EXPECT_NE(a, b);
+    EXPECT_TRUE(MakeChannel(5, 1, 9) < MakeChannel(5, 2, 0) && MakeChannel(5, 1, 1) < MakeChannel(5, 1, 2) && !(a < a));
+    std::string origin = "Origin", edited = "Edited";
+    a.SetOriginName(origin), a.SetName(edited), a.SetMajor(77);
+    EXPECT_TRUE(a.Restore());
+    EXPECT_EQ(std::to_string(a.GetMajor()) + a.GetName(), "5Origin");
+}
+
+TEST(MBRTables, ChannelLookupsMergeSortAndMaximum)
+{
+    FakeDlog::Clear();
+    FCMBRNetworkChannelTable table;
+    int major = -5, minor = -5;
+    EXPECT_FALSE(table.GetMaxNumberOfMajorMinor(major, minor));
+    EXPECT_EQ(major * 100 + minor, 0);
+    ASSERT_EQ(FakeDlog::Lines().size(), 1u);
+    EXPECT_EQ(FakeDlog::Lines()[0].logId, LOG_ID_MAIN);
+    EXPECT_NE(FakeDlog::Lines()[0].text.find("FCMBRNetworkChannelDB::GetMaxNumberOfMajorMinor(), m_mbrNetworkChannelDB is empty!"), std::string::npos);
+    for (auto c : {MakeChannel(1, 1, 10), MakeChannel(5, 0, 20), MakeChannel(3, 9, 30)})
+        table.AppendNetworkChannel(c);
+    EXPECT_TRUE(table.GetMaxNumberOfMajorMinor(major, minor));
+    EXPECT_EQ(major * 100 + minor, 509);
+    FCMBRNetworkChannel found = MakeChannel(0, 0);
+    EXPECT_TRUE(table.FindNetworkChannelbyMajorMinor(3, 9, found) && found.GetChannelID() == 30);
+    EXPECT_TRUE(table.FindNetworkChannelbyChannelID(20, found) && !table.FindNetworkChannelByChannelIDOriginMajor(20, 3, found));
+    EXPECT_EQ(found.GetMajor(), 5);  // the last hit, unchanged by the miss
+    table.Merge(table);
+    table.Sort();
+    ASSERT_EQ(table.m_mbrNetworkChannelDB.size(), 6u);
+    EXPECT_EQ(table.m_mbrNetworkChannelDB.front().GetMajor() * 10 + table.m_mbrNetworkChannelDB.back().GetMajor(), 15);
+}
+
+TEST(MBRTables, ProgrammeIntervalSearchAndFirstStartTimeWins)
+{
+    FCMBRNetworkProgramTable table, other;
+    FCMBRNetworkProgram first = MakeProgram(1000, 60, "first"), second = MakeProgram(1000, 600, "second"),
+                        later = MakeProgram(2000, 60, "later"), found;
+    table.AppendNetworkProgram(first), table.AppendNetworkProgram(second);
+    for (unsigned long start : {999UL, 1000UL, 1059UL, 1060UL}) {
+        const bool inside = start == 1000 || start == 1059;
+        found = MakeProgram(0, 0, "none");
+        EXPECT_EQ(table.FindNetworkProgrambyStartTime(start, found), inside) << start;
+        EXPECT_EQ(found.GetTitle(), inside ? "first" : "none") << start;
+    }
+    other.AppendNetworkProgram(second), other.AppendNetworkProgram(later);
+    table.Merge(other);
+    ASSERT_EQ(table.m_mbrNetworkProgramDB.size(), 2u);
+    EXPECT_EQ(table.m_mbrNetworkProgramDB.at(1000).GetTitle(), "first");
+}
+
+TEST(MBRChannel, ConvertEndianSwapsPairsUpToTerminatorOrLength)
+{
+    // dst up to the first byte left alone (0xEE).
+    const struct { std::vector<unsigned char> src; int returned; std::vector<unsigned char> dst; } cases[] = {
+        {{0x00, 'A', 0x00, 'B', 0x00, 0x00, 0x11, 0x22}, 4, {'A', 0x00, 'B', 0x00, 0x00, 0x00, 0xEE}},
+        {{0x01, 0x02, 0x03, 0x04}, 2, {0x02, 0x01, 0x04, 0x03, 0x00, 0x00, 0xEE}},
+    };
+    for (const auto &c : cases) {
+        std::vector<unsigned char> dst(12, 0xEE), src = c.src;
+        EXPECT_EQ(FCMBRNetworkChannel::m_ConvertEndian(dst.data(), src.data(), static_cast<int>(src.size())), c.returned);
+        EXPECT_EQ(std::vector<unsigned char>(dst.begin(), dst.begin() + c.dst.size()), c.dst);
+    }
+    unsigned char some[4] = {1, 2, 3, 4};
+    EXPECT_EQ(FCMBRNetworkChannel::m_ConvertEndian(nullptr, some, 4) + FCMBRNetworkChannel::m_ConvertEndian(some, nullptr, 4), 2);
 }

@@ -11,113 +11,63 @@
 namespace {
 
 struct State {
-    std::mutex lock;
     std::vector<FakeCall::CallRecord> calls;
     std::map<std::string, FakeCall::Answer> standing;
     std::map<std::string, std::deque<FakeCall::Answer>> once;
-    FakeCall::Answer fallback;
     int outstanding = 0;
 };
 
-State &TheState()
-{
-    static State state;
-    return state;
-}
+std::mutex g_lock;
+State g_state;
 
-FakeCall::Answer NextAnswer(State &state, const std::string &method)
+// Runs action on the state under the lock.
+template <typename Action>
+auto Locked(Action action)
 {
-    auto queued = state.once.find(method);
-    if (queued != state.once.end() && !queued->second.empty()) {
-        FakeCall::Answer answer = queued->second.front();
-        queued->second.pop_front();
-        return answer;
-    }
-    auto standing = state.standing.find(method);
-    return standing != state.standing.end() ? standing->second : state.fallback;
+    std::lock_guard<std::mutex> guard(g_lock);
+    return action(g_state);
 }
 
 }  // namespace
 
 namespace FakeCall {
 
-void Reset()
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    state.calls.clear();
-    state.standing.clear();
-    state.once.clear();
-    state.fallback = Answer::Null();
-}
-
-void Script(const std::string &method, const Answer &answer)
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    state.standing[method] = answer;
-}
-
-void ScriptOnce(const std::string &method, const Answer &answer)
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    state.once[method].push_back(answer);
-}
-
-void ScriptDefault(const Answer &answer)
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    state.fallback = answer;
-}
-
-std::vector<CallRecord> Calls()
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    return state.calls;
-}
+// Results still outstanding stay counted: a leak before a reset must still show.
+void Reset() { Locked([](State &s) { s = State{{}, {}, {}, s.outstanding}; }); }
+void Script(const std::string &method, const Answer &answer) { Locked([&](State &s) { s.standing[method] = answer; }); }
+void ScriptOnce(const std::string &method, const Answer &answer) { Locked([&](State &s) { s.once[method].push_back(answer); }); }
+std::vector<CallRecord> Calls() { return Locked([](State &s) { return s.calls; }); }
+int Outstanding() { return Locked([](State &s) { return s.outstanding; }); }
 
 std::vector<std::string> Arguments(const std::string &method)
 {
     std::vector<std::string> arguments;
-    for (const auto &call : Calls()) {
+    for (const auto &call : Calls())
         if (call.method == method)
             arguments.push_back(call.argument);
-    }
     return arguments;
-}
-
-std::size_t Count(const std::string &method)
-{
-    return Arguments(method).size();
-}
-
-int Outstanding()
-{
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
-    return state.outstanding;
 }
 
 }  // namespace FakeCall
 
 extern "C" KelvoCallResult *Call(const char *method, const char *argument)
 {
-    State &state = TheState();
-    std::lock_guard<std::mutex> guard(state.lock);
     const std::string name = method != nullptr ? method : "";
-    state.calls.push_back({name, argument != nullptr ? argument : ""});
-    const FakeCall::Answer answer = NextAnswer(state, name);
+    const FakeCall::Answer answer = Locked([&](State &s) {
+        s.calls.push_back({name, argument != nullptr ? argument : ""});
+        auto &queued = s.once[name];
+        if (queued.empty())
+            return s.standing.count(name) ? s.standing[name] : FakeCall::Answer::Null();
+        const FakeCall::Answer next = queued.front();
+        return queued.pop_front(), next;
+    });
     if (answer.kind == FakeCall::Answer::NullResult)
         return nullptr;
+    Locked([](State &s) { return ++s.outstanding; });
     auto *result = static_cast<KelvoCallResult *>(std::calloc(1, sizeof(KelvoCallResult)));
     result->success = answer.kind == FakeCall::Answer::Reply;
     result->length = static_cast<unsigned int>(answer.text.size());
-    result->data = static_cast<char *>(std::malloc(answer.text.size() + 1));
-    std::memcpy(result->data, answer.text.c_str(), answer.text.size() + 1);
-    ++state.outstanding;
+    result->data = static_cast<char *>(std::memcpy(std::malloc(answer.text.size() + 1), answer.text.c_str(), answer.text.size() + 1));
     return result;
 }
 
@@ -125,11 +75,7 @@ extern "C" void DisposeCallResult(KelvoCallResult *result)
 {
     if (result == nullptr)
         return;
-    State &state = TheState();
-    {
-        std::lock_guard<std::mutex> guard(state.lock);
-        --state.outstanding;
-    }
+    Locked([](State &s) { return --s.outstanding; });
     std::free(result->data);
     std::free(result);
 }

@@ -3,7 +3,6 @@
 #ifndef KELVO_TESTS_FAKE_CALL_H
 #define KELVO_TESTS_FAKE_CALL_H
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -19,10 +18,8 @@ struct Answer {
     static Answer Text(const std::string &reply) { return Answer{Reply, reply}; }
 };
 
-struct CallRecord {
-    std::string method;
-    std::string argument;  // the argument text exactly as passed
-};
+// The argument text exactly as passed.
+struct CallRecord { std::string method, argument; };
 
 // Forgets calls and script; unscripted methods then answer Null().
 void Reset();
@@ -30,12 +27,9 @@ void Reset();
 void Script(const std::string &method, const Answer &answer);
 // An answer used once, before the standing one; several queue up in order.
 void ScriptOnce(const std::string &method, const Answer &answer);
-// The answer of methods without a script of their own.
-void ScriptDefault(const Answer &answer);
 
 std::vector<CallRecord> Calls();
 std::vector<std::string> Arguments(const std::string &method);
-std::size_t Count(const std::string &method);
 // Results handed out and not yet released with DisposeCallResult.
 int Outstanding();
 

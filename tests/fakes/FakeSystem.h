@@ -1,5 +1,5 @@
-// Stands in for system(), gettimeofday() and settimeofday() in a test executable: commands are
-// recorded instead of run, the clock is never set, and the current time can be scripted.
+// system(), gettimeofday() and settimeofday() of a test executable: commands are recorded, not
+// run; the time is scripted; the clock is never set.
 #ifndef KELVO_TESTS_FAKE_SYSTEM_H
 #define KELVO_TESTS_FAKE_SYSTEM_H
 
@@ -7,28 +7,18 @@
 #include <string>
 #include <vector>
 
-struct ClockSet {
-    long long seconds;
-    long long microseconds;
-    bool withTimeZone;
-};
-
 namespace FakeSystem {
-// Forgets everything recorded and scripted; the time is the real one again.
+// Nothing recorded, every command answering 0, the time at zero.
 void Reset();
-
-// system(): every command in order; the status comes from the handler when one is set (it
-// runs with the command, e.g. to look at the disk at that moment), else from SetStatus.
-std::vector<std::string> Commands();
+// Every system() command, and every settimeofday() as "settimeofday <s> <us>" (" tz" added
+// when a time zone is passed), in call order.
+std::vector<std::string> Calls();
+// system()'s status; a handler answers with the command in hand, e.g. to note when it ran.
 void SetStatus(int status);
 void SetHandler(std::function<int(const std::string &)> handler);
-
-// gettimeofday(): a fixed time, or failure (-1 with the time left at zero).
+// gettimeofday(): this time, or failure (-1, the time left as it was).
 void SetNow(long long seconds, long long microseconds = 0);
 void FailGettimeofday();
-
-// settimeofday(): every value asked for, in order.
-std::vector<ClockSet> ClockSets();
 }  // namespace FakeSystem
 
 #endif

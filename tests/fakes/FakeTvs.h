@@ -1,61 +1,36 @@
-// The TVS middleware client with scripted services, guide events and backup/restore results.
-// Records every call; counts the records it hands out that are still alive, so that a test sees
-// whether the caller deleted them. TCServiceData, TCProgramData and TVServiceAPI::Destroy are the
-// real ones (kelvo-platform-tvs-records).
+// The TVS middleware client with scripted services, guides and backup/restore answers.
+// TCServiceData, TCProgramData and TVServiceAPI::Destroy are the real ones; whether the caller
+// deletes what it is handed shows in the ASan build.
 #ifndef KELVO_TESTS_FAKE_TVS_H
 #define KELVO_TESTS_FAKE_TVS_H
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "TVServiceAPI.h"
 
-struct FakeTvsService {
-    bool null = false;  // hand out a null pointer in this place of the list
-    std::map<int, long long> fields;
-};
-
-struct FakeTvsEvent {
-    bool null = false;
-    unsigned short eventId = 0;
-    unsigned int startTime = 0;
-    unsigned int duration = 0;
-    unsigned int language = 0;
-    std::u16string title;
-    std::u16string extendedText;
-};
-
 struct FakeTvsGuide {
-    static constexpr int EVENT_COUNT = -2147483647 - 1;
-    std::vector<FakeTvsEvent> events;  // keyed by event id in the map handed out
-    int count = EVENT_COUNT;           // the query's result; EVENT_COUNT: the number of events
-};
-
-struct FakeTvsProgramQuery {
-    unsigned long long serviceId;
-    unsigned int startTime;
-    unsigned int duration;
+    std::vector<int> events;   // event ids of the map handed out; -n: a null record at key n
+    std::optional<int> count;  // the query's answer; by default the number of events
 };
 
 namespace FakeTvs {
-// Everything empty, backup and restore answering 1, every Create giving an object.
+// No service or guide, backup and restore answering 1, every Create giving an object.
 void Reset();
-void SetServices(const std::vector<FakeTvsService> &services);
+// Records in list order; an empty field map stands for a null pointer in its place.
+void SetServices(const std::vector<std::map<int, long long>> &services);
 void SetGuide(unsigned long long serviceId, const FakeTvsGuide &guide);
 void SetBackupResult(int result);
 void SetRestoreResult(int result);
-void FailCreate(bool service, bool guide, bool util);
+void FailCreateUtil();
 
-// Calls in order: "CreateService", "FindServiceList", "WriteChannelMapMemoryDump",
-// "CreateServiceGuide", "FindProgramList", "CreateUtil", "BackupTVSData(<folder>)",
-// "RestoreTVSData(<folder>)", "Destroy(IService|IServiceGuide|IUtil)".
+// In order: "WriteChannelMapMemoryDump", "FindServiceList",
+// "FindProgramList(<service>, <start>, <duration>)", "BackupTVSData(<folder>)",
+// "RestoreTVSData(<folder>)".
 std::vector<std::string> Calls();
 std::vector<TCCriteriaHelper> Criteria();
-std::vector<FakeTvsProgramQuery> ProgramQueries();
-// Records handed out and not yet deleted.
-int LiveServiceData();
-int LiveProgramData();
 }  // namespace FakeTvs
 
 #endif

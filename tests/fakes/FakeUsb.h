@@ -1,4 +1,4 @@
-// The USB host service with scripted devices; records the device class of every call.
+// The USB host service with scripted mass-storage devices.
 #ifndef KELVO_TESTS_FAKE_USB_H
 #define KELVO_TESTS_FAKE_USB_H
 
@@ -6,20 +6,17 @@
 #include <vector>
 
 struct FakeUsbDevice {
-    bool hasMountPath = true;  // false: the service gives no (null) mount path
-    std::string mountPath;
+    std::string mountPath;  // empty: the service knows no mount path (it gives null)
     std::string devName;
 };
 
 namespace FakeUsb {
-// No device, init returning 0, nothing recorded.
+// No device, init answering 0.
 void Reset();
 void SetInitResult(int result);
-// The mass-storage devices in list order; the count is their number unless overridden.
+// The devices in list order; the count is their number unless SetDeviceCount says otherwise.
 void SetDevices(const std::vector<FakeUsbDevice> &devices);
-void SetDeviceCount(int count);  // e.g. a negative error
-// "name(class)" or "name" for every call, in order.
-std::vector<std::string> Calls();
+void SetDeviceCount(int count);
 }  // namespace FakeUsb
 
 #endif

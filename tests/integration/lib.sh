@@ -1,121 +1,80 @@
-# Shared by the integration scripts: a scratch folder per script, a fresh simulated TV and
-# stick per case, one sandboxed kelvo-util run, and checks that report every mismatch of a
-# case before the script fails.
-set -euo pipefail
+# Shared by the integration scripts: a scratch folder per script, a fresh simulated TV and stick
+# per case, one sandboxed kelvo-util run (tools/kelvo-tv run), and checks that report every
+# mismatch of a case before the script fails.
+set -uo pipefail
 
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-: "${KELVO_BUILD_DIR:?KELVO_BUILD_DIR must name the build folder to test}"
-SCRATCH=$(mktemp -d "${TMPDIR:-/tmp}/kelvo-it.XXXXXX")
-trap 'rm -rf "$SCRATCH"' EXIT
+BUILD=${KELVO_BUILD_DIR:?KELVO_BUILD_DIR must name the build folder to test}
+WORK=$(mktemp -d "${TMPDIR:-/tmp}/kelvo-it.XXXXXX")
+trap 'rm -rf "$WORK"' EXIT
+# CI must run these: a machine where bubblewrap cannot make a user namespace fails them.
+bwrap --unshare-user --ro-bind / / true 2>/dev/null || { echo "FAIL: bubblewrap cannot make a user namespace"; exit 1; }
 
-DAEMON_DATA_REL=opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data
-DEFAULT_MOUNT=/media/USBDriveA1
+MOUNT=/media/USBDriveA1
+ALL_ONES=18446744073709551615
+SUCCESS="ChannelMap Dump|ChannelMap Dump Success"
 FAILURES=0
-CASE=""
 
-kelvo_tv() { "$ROOT/tools/kelvo-tv" "$@" --build-dir "$KELVO_BUILD_DIR"; }
-
-# begin_case NAME: sets C (case folder), TV, STICK (empty), OUT, DATA (the content daemon's
-# data folder as seen from outside), SIM (the TVS simulator's control folder), DBSPACE, CHMS.
-begin_case() {
-    CASE=$1
-    C="$SCRATCH/$CASE"
-    TV="$C/tv"
-    STICK="$C/stick"
-    OUT="$C/out"
-    mkdir -p "$STICK"
-    kelvo_tv make-tv --tv "$TV" --minimal >/dev/null
-    DATA="$TV/$DAEMON_DATA_REL"
-    SIM="$TV/opt/var/kelvo-sim"
-    DBSPACE="$TV/opt/dbspace"
-    CHMS="$TV/opt/usr/globalapps/tvs-chms/data"
-    echo "=== case $CASE"
-}
-
-# run_util [kelvo-tv run options...]: one run; its output is shown, its status is in OUT.
-run_util() {
-    kelvo_tv run --tv "$TV" --out "$OUT" "$@" || true
-}
-
-# run_on_stick [MOUNT] [more options...]: a run with STICK attached at MOUNT.
-run_on_stick() {
-    local mount=${1:-$DEFAULT_MOUNT}
-    [ $# -gt 0 ] && shift
-    run_util --stick "$STICK" --mount "$mount" "$@"
-}
-
-fail() {
-    echo "FAIL [$CASE] $*"
-    FAILURES=$((FAILURES + 1))
-}
-
-expect_eq() {  # what actual expected
-    [ "$2" = "$3" ] || fail "$1: got '$2', expected '$3'"
-}
-
-expect_exit_status() {
-    expect_eq "exit status" "$(cat "$OUT/exit-status" 2>/dev/null || echo none)" "$1"
-}
-
-# The notifications posted, in order, as "summary|body" (none given: no notification at all).
-expect_notifications() {
-    local expected="" actual="" n
-    for n in "$@"; do expected+="$n"$'\n'; done
-    if [ -f "$OUT/notifications.tsv" ]; then
-        actual=$(awk -F'\t' '{ print $2 "|" $3 }' "$OUT/notifications.tsv")
-        [ -n "$actual" ] && actual+=$'\n'
+# new_case NAME [--reference [generator options]]: a TV with the bare folders, or the reference TV
+# generated a few seconds back (so that the dump runs inside its quiet period); an empty stick.
+new_case() {
+    CASE=$1 C="$WORK/$1" FIXTURE=""
+    shift
+    TV="$C/tv" STICK="$C/stick" OUT="$C/out"
+    mkdir -p "$STICK" "$OUT"
+    "$ROOT/tools/kelvo-tv" make-tv --build-dir "$BUILD" --tv "$TV" --minimal >/dev/null
+    if [ "${1:-}" = --reference ]; then
+        shift
+        FIXTURE="$C/fixture.json" EXPECTED="$C/expected.json" EXPECTED_DB="$C/expected.db"
+        "$BUILD/tools/tv-gen/kelvo-tv-gen" --opt "$TV/opt" --fixture "$FIXTURE" --now $(($(date +%s) - 5)) "$@" \
+            || { echo "FAIL: the TV generator failed"; exit 1; }
     fi
-    [ "$actual" = "$expected" ] || fail "notifications: got [${actual//$'\n'/; }], expected [${expected//$'\n'/; }]"
+    DATA="$TV/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data"
+    SIM="$TV/opt/var/kelvo-sim" DBSPACE="$TV/opt/dbspace" CHMS="$TV/opt/usr/globalapps/tvs-chms/data"
+    DUMP="$STICK/DumpMWDB" DB="$STICK/DumpMWDB/kelvoutilInfo.db"
+    echo "=== $CASE"
 }
 
-expect_log() {  # a fixed text that some line of kelvo-util's log holds
-    grep -qF -- "$1" "$OUT/kelvo-util.log" 2>/dev/null || fail "log lacks '$1'"
+# run [kelvo-tv run options]: one run with the stick at MOUNT (later options win); RUN_START and
+# RUN_END (seconds) bracket it.
+run() {
+    RUN_START=$(date +%s)
+    "$ROOT/tools/kelvo-tv" run --build-dir "$BUILD" --tv "$TV" --out "$OUT" --stick "$STICK" --mount "$MOUNT" \
+        ${FIXTURE:+--fixture "$FIXTURE"} --timeout 120 "$@" >"$C/run.txt" 2>&1
+    RUN_END=$(date +%s)
 }
 
-expect_no_log() {
-    ! grep -qF -- "$1" "$OUT/kelvo-util.log" 2>/dev/null || fail "log has '$1'"
-}
-
-expect_file() {  # path [expected content file]
-    if [ ! -f "$1" ] || [ -L "$1" ]; then
-        fail "no regular file $1"
-    elif [ $# -gt 1 ] && ! cmp -s "$1" "$2"; then
-        fail "$1 differs from $2"
-    fi
-}
-
-expect_no_path() {
-    [ ! -e "$1" ] && [ ! -L "$1" ] || fail "$1 should not exist"
-}
-
-# The TVS simulator's record of backup/restore calls, exactly (none given: no call).
-expect_tvs_calls() {
-    local expected="" actual=""
-    local line
-    for line in "$@"; do expected+="$line"$'\n'; done
-    if [ -f "$SIM/tvs.log" ]; then
-        actual=$(cat "$SIM/tvs.log")
-        [ -n "$actual" ] && actual+=$'\n'
-    fi
-    [ "$actual" = "$expected" ] || fail "TVS calls: got [${actual//$'\n'/; }], expected [${expected//$'\n'/; }]"
-}
-
-# The attempts to set the clock, exactly (none given: no attempt).
-expect_clock() {
-    local expected="" actual=""
-    local line
-    for line in "$@"; do expected+="$line"$'\n'; done
-    if [ -f "$OUT/clock.log" ]; then
-        actual=$(cat "$OUT/clock.log")
-        [ -n "$actual" ] && actual+=$'\n'
-    fi
-    [ "$actual" = "$expected" ] || fail "clock: got [${actual//$'\n'/; }], expected [${expected//$'\n'/; }]"
-}
-
+fail() { echo "FAIL [$CASE] $*"; FAILURES=$((FAILURES + 1)); }
+eq() { [ "$2" == "$3" ] || fail "$1: expected [$2], got [$3]"; }  # what expected actual
+ok() { local what=$1; shift; "$@" || fail "$what"; }              # what command...
+no() { ! "$@"; }
 finish() {
-    if [ "$FAILURES" -ne 0 ]; then
-        echo "$FAILURES check(s) failed"
-        exit 1
-    fi
-    echo "all checks passed"
+    [ "$FAILURES" -eq 0 ] && { echo "all checks passed"; exit 0; }
+    echo "$FAILURES check(s) failed; the last run:"
+    grep -v '^D/' "$C/run.txt" 2>/dev/null | tail -n 40 | sed 's/^/  | /'
+    exit 1
+}
+
+# What a run left, one line per item joined by ";": notifications as summary|body, the TVS
+# simulator's backup/restore calls, the attempts to set the clock.
+joined() { [ -f "$1" ] && paste -sd';' "$1"; true; }
+notes() { [ -f "$OUT/notifications.tsv" ] && cut -f2,3 "$OUT/notifications.tsv" | tr '\t' '|' | paste -sd';'; true; }
+tvs_calls() { joined "$SIM/tvs.log"; }
+clock() { joined "$OUT/clock.log"; }
+status() { cat "$OUT/exit-status" 2>/dev/null || echo none; }
+logged() { grep -qF -- "$1" "$OUT/kelvo-util.log"; }
+same() { [ -f "$1" ] && [ ! -L "$1" ] && cmp -s "$1" "$2"; }
+absent() { [ ! -e "$1" ] && [ ! -L "$1" ]; }
+sql() { sqlite3 -batch -noheader "$@"; }
+# The clock readings of a dump in order: time.txt's, the guide window's, the metadata window's.
+current_times() { sed -n 's/.*UTC Current Time = \([0-9]*\).*/\1/p' "$OUT/kelvo-util.log"; }
+
+# rows_match WHAT TABLE START: TABLE on the stick holds exactly the expected rows of the day from
+# START (duplicates count as differences).
+rows_match() {
+    eq "$1" "missing 0, extra 0, count off by 0" "$(sql "$DB" "ATTACH '$EXPECTED_DB' AS e;
+        CREATE TEMP TABLE want AS SELECT * FROM e.$2 WHERE starttime >= $3 AND starttime < $3 + 86400;
+        SELECT 'missing ' || (SELECT count(*) FROM (SELECT * FROM want EXCEPT SELECT * FROM main.$2))
+            || ', extra ' || (SELECT count(*) FROM (SELECT * FROM main.$2 EXCEPT SELECT * FROM want))
+            || ', count off by ' || ((SELECT count(*) FROM main.$2) - (SELECT count(*) FROM want));")"
 }

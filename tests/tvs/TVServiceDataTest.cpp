@@ -13,8 +13,6 @@
 #include "TvsTestState.h"
 
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
@@ -156,14 +154,6 @@ TEST_F(ServiceQuery, ReadingAnAbsentTagPrintsTheMissingTagLinesAndYieldsZero)
         delete data;
 }
 
-TEST(ServiceQueryWithoutState, NoServiceDatabaseIsAFailureWithNoServices)
-{
-    TvsTestState state;
-    Found found = Query(ExportCriteria());
-    EXPECT_EQ(found.result, -1);
-    EXPECT_THAT(found.ids, IsEmpty());
-}
-
 TEST_F(ServiceQuery, ChannelMapDumpHoldsTheMappedServicesInMapOrder)
 {
     IService *service = TVServiceAPI::CreateService();
@@ -182,15 +172,6 @@ TEST_F(ServiceQuery, ChannelMapDumpHoldsTheMappedServicesInMapOrder)
     sqlite3_finalize(stmt);
     sqlite3_close(db);
     EXPECT_THAT(ids, ElementsAre(101, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)));
-}
-
-TEST(ChannelMapDump, WithoutServicesNothingIsWritten)
-{
-    TvsTestState state;
-    IService *service = TVServiceAPI::CreateService();
-    EXPECT_LT(service->WriteChannelMapMemoryDump(), 0);
-    TVServiceAPI::Destroy(service);
-    EXPECT_NE(access((state.RwApp() + "/tvs-chms/data/CHMS_Memory_Dump.sqlite").c_str(), F_OK), 0);
 }
 
 namespace {
@@ -227,29 +208,6 @@ Guide FindPrograms(unsigned long long service, unsigned int start, unsigned int 
 }
 }  // namespace
 
-TEST(ServiceGuide, WindowHoldsEventsStartingFromStartToBeforeTheEnd)
-{
-    TvsTestState state;
-    const long long start = 1795000000;
-    const unsigned int day = 86400;
-    state.WriteGuide({
-        Event(7, 1, start - 1),        // began before the window
-        Event(7, 2, start),            // first second
-        Event(7, 3, start + day - 1),  // last second
-        Event(7, 4, start + day),      // first second after
-        Event(8, 5, start + 10),       // another service
-        Event(7, 6, start + 3600),
-    });
-    Guide g = FindPrograms(7, static_cast<unsigned int>(start), day);
-    EXPECT_THAT(g.keys, ElementsAre(2u, 3u, 6u));
-    EXPECT_EQ(g.count, 3);
-    EXPECT_EQ(g.events[2]->ServiceId(), 7u);
-    EXPECT_EQ(g.events[3]->StartTime(), start + day - 1);
-
-    EXPECT_EQ(FindPrograms(7, static_cast<unsigned int>(start), 0).count, 0) << "an empty window holds nothing";
-    EXPECT_EQ(FindPrograms(9, static_cast<unsigned int>(start), day).count, 0) << "a service without guide";
-}
-
 TEST(ServiceGuide, WindowReachingPastTheThirtyTwoBitRangeDoesNotWrap)
 {
     TvsTestState state;
@@ -258,10 +216,18 @@ TEST(ServiceGuide, WindowReachingPastTheThirtyTwoBitRangeDoesNotWrap)
     EXPECT_THAT(g.keys, ElementsAre(1u));
 }
 
-TEST(ServiceGuide, NoGuideDatabaseGivesNoEvents)
+// A TV without its databases: failures and empty answers, and no channel-map dump.
+TEST(ServiceGuide, MissingDatabasesGiveNothing)
 {
     TvsTestState state;
+    Found found = Query(ExportCriteria());
+    EXPECT_EQ(found.result, -1);
+    EXPECT_THAT(found.ids, IsEmpty());
     EXPECT_EQ(FindPrograms(7, 1795000000u, 86400).count, 0);
+    IService *service = TVServiceAPI::CreateService();
+    EXPECT_LT(service->WriteChannelMapMemoryDump(), 0);
+    TVServiceAPI::Destroy(service);
+    EXPECT_NE(access((state.RwApp() + "/tvs-chms/data/CHMS_Memory_Dump.sqlite").c_str(), F_OK), 0);
 }
 
 TEST(ServiceGuide, TextsAreBigEndianUtf16AndLanguageIsPacked)

@@ -1,150 +1,113 @@
 // Hostile sticks: mount paths that would break out of the shell commands, and links planted
-// where the dump writes or the restore copies.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// where the dump writes or where the restore's copies land.
+#include <algorithm>
+#include <filesystem>
 
-#include "FakeDlog.h"
-#include "FakeSystem.h"
-#include "FakeTvs.h"
 #include "UtilTestSupport.h"
 #include "dataHandler.h"
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+namespace fs = std::filesystem;
 
 namespace {
-struct HostileCase {
+struct MountCase {
     const char *name;
-    const char *tail;  // appended to a real folder, so that only the character decides
+    const char *tail;  // appended to a real folder, so that only the characters decide; "": an empty path
+    bool refused;
 };
 
-class MountPathGuard : public UtilTest, public ::testing::WithParamInterface<HostileCase> {
-protected:
-    std::string Mount() const { return m_stick.Path() + GetParam().tail; }
-    bool LoggedRefusal() const
-    {
-        for (const std::string &line : UtilLog())
-            if (line.find("refused") != std::string::npos)
-                return true;
-        return false;
-    }
-    KelvoUtilDataHandler m_handler;
-};
+class MountPathGuard : public UtilTest, public ::testing::WithParamInterface<MountCase> {};
 
-TEST_P(MountPathGuard, RestoreFailsBeforeAnyCommand)
+TEST_P(MountPathGuard, BothBranchesRefuseBeforeAnyCommandOrWrite)
 {
-    EXPECT_FALSE(m_handler.RestoreData(Mount()));
-    EXPECT_THAT(FakeSystem::Commands(), IsEmpty());
-    EXPECT_THAT(FakeTvs::Calls(), IsEmpty());
-    EXPECT_THAT(FakeSystem::ClockSets(), IsEmpty());
-    EXPECT_TRUE(LoggedRefusal());
-}
+    const MountCase &c = GetParam();
+    const std::string mount = *c.tail != '\0' ? m_stick.Path() + c.tail : "";
+    if (!mount.empty())
+        fs::create_directories(mount);
+    KelvoUtilDataHandler handler;
 
-TEST_P(MountPathGuard, DumpFailsBeforeAnyCommandOrWrite)
-{
-    EXPECT_FALSE(m_handler.BackupData(Mount()));
-    EXPECT_THAT(FakeSystem::Commands(), IsEmpty());
-    EXPECT_THAT(FakeTvs::Calls(), IsEmpty());
-    EXPECT_FALSE(IsDir(Mount() + "/DumpMWDB"));
-    EXPECT_TRUE(LoggedRefusal());
+    EXPECT_EQ(handler.RestoreData(mount), !c.refused);
+    EXPECT_EQ(handler.BackupData(mount), !c.refused);
+
+    EXPECT_EQ(fs::exists(mount + "/DumpMWDB"), !c.refused);
+    EXPECT_EQ(FakeSystem::Calls().empty(), c.refused);
+    EXPECT_EQ(FakeTvs::Calls().empty(), c.refused);
+    const std::vector<std::string> log = UtilLog();
+    EXPECT_EQ(std::count_if(log.begin(), log.end(), [](auto &line) { return line.find("refused") != line.npos; }),
+              c.refused ? 2 : 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Characters, MountPathGuard,
-    ::testing::Values(HostileCase{"Semicolon", "/a;reboot"}, HostileCase{"Blank", "/my stick"},
-                      HostileCase{"Dollar", "/$(reboot)"}, HostileCase{"Backquote", "/`reboot`"},
-                      HostileCase{"Ampersand", "/a&reboot"}, HostileCase{"Pipe", "/a|reboot"},
-                      HostileCase{"Newline", "/a\nreboot"}, HostileCase{"SingleQuote", "/a'b"},
-                      HostileCase{"DoubleQuote", "/a\"b"}, HostileCase{"Star", "/*"},
-                      HostileCase{"Redirect", "/a>b"}, HostileCase{"Tab", "/a\tb"},
-                      HostileCase{"NonAscii", "/cl\xc3\xa9"}),
-    [](const ::testing::TestParamInfo<HostileCase> &info) { return std::string(info.param.name); });
+    ::testing::Values(MountCase{"Semicolon", "/a;reboot", true}, MountCase{"Blank", "/my stick", true},
+                      MountCase{"Dollar", "/$(reboot)", true}, MountCase{"Backquote", "/`reboot`", true},
+                      MountCase{"Ampersand", "/a&reboot", true}, MountCase{"Pipe", "/a|reboot", true},
+                      MountCase{"Newline", "/a\nreboot", true}, MountCase{"SingleQuote", "/a'b", true},
+                      MountCase{"DoubleQuote", "/a\"b", true}, MountCase{"Star", "/*", true},
+                      MountCase{"Redirect", "/a>b", true}, MountCase{"Tab", "/a\tb", true},
+                      MountCase{"NonAscii", "/cl\xc3\xa9", true}, MountCase{"Empty", "", true},
+                      MountCase{"PlainCharactersPass", "/USB_Drive-1.2+x", false}),
+    ByName());
 
-class GuardTest : public UtilTest {
+class LinkGuard : public UtilTest {
 protected:
-    KelvoUtilDataHandler m_handler;
+    void SetUp() override
+    {
+        UtilTest::SetUp();
+        WriteFile(m_victim, "precious");
+    }
+
+    const std::string m_victim = m_tv / "victim";
+    const std::string m_dump = m_stick / "DumpMWDB";
 };
 
-TEST_F(GuardTest, PlainMountPathCharactersPass)
+TEST_F(LinkGuard, LinkAtTheDumpFolderBecomesARealFolder)
 {
-    const std::string mount = m_stick / "USB_Drive-1.2+x";
-    MakeDir(mount + "/RestoreMWDB");
-    EXPECT_TRUE(m_handler.RestoreData(mount));
-    EXPECT_EQ(FakeSystem::Commands().size(), 2u);
-}
-
-TEST_F(GuardTest, EmptyMountPathIsRefused)
-{
-    EXPECT_FALSE(m_handler.RestoreData(""));
-    EXPECT_FALSE(m_handler.BackupData(""));
-    EXPECT_THAT(FakeSystem::Commands(), IsEmpty());
-    EXPECT_THAT(FakeTvs::Calls(), IsEmpty());
-}
-
-TEST_F(GuardTest, LinkAtDumpFolderBecomesARealFolder)
-{
-    const std::string elsewhere = m_tv / "elsewhere";
-    MakeDir(elsewhere);
-    WriteFile(elsewhere + "/keep", "precious");
-    MakeLink(elsewhere, m_stick / "DumpMWDB");
-
-    EXPECT_TRUE(m_handler.BackupData(m_stick.Path()));
-
-    EXPECT_TRUE(IsDir(m_stick / "DumpMWDB"));
-    EXPECT_EQ(ReadFile(elsewhere + "/keep"), "precious");
-    EXPECT_FALSE(IsRegularFile(elsewhere + "/time.txt"));
-    EXPECT_TRUE(IsRegularFile(m_stick / "DumpMWDB/time.txt"));
-    // A fresh folder needs no emptying: the only command is the copy into it.
-    ASSERT_EQ(FakeSystem::Commands().size(), 1u);
-    EXPECT_EQ(FakeSystem::Commands()[0].rfind("/usr/bin/cp -rf ", 0), 0u);
+    fs::create_symlink(m_tv.Path(), m_dump);
+    EXPECT_TRUE(KelvoUtilDataHandler().BackupData(m_stick.Path()));
+    EXPECT_FALSE(fs::is_symlink(m_dump));
+    EXPECT_TRUE(fs::is_regular_file(m_dump + "/time.txt"));
+    EXPECT_FALSE(fs::exists(m_tv / "time.txt"));
+    EXPECT_EQ(ReadFile(m_victim), "precious");
 }
 
 // Dot-entries survive the emptying pattern; a link among them would redirect the copy of
-// ".preview.db" (or anything written below it).
-TEST_F(GuardTest, LinksLeftInTheEmptiedDumpFolderAreRemoved)
+// ".preview.db", or anything written below it.
+TEST_F(LinkGuard, LinksLeftInTheEmptiedDumpFolderAreRemoved)
 {
-    const std::string dump = m_stick / "DumpMWDB";
-    const std::string victim = m_tv / "victim";
-    WriteFile(victim, "precious");
-    MakeDir(dump + "/.hidden");
-    MakeLink(victim, dump + "/.preview.db");
-    MakeLink(victim, dump + "/.hidden/deep");
-    WriteFile(dump + "/.keep", "dot-file");
+    fs::create_directories(m_dump + "/.hidden");
+    fs::create_symlink(m_victim, m_dump + "/.preview.db");
+    fs::create_symlink(m_victim, m_dump + "/.hidden/deep");
+    WriteFile(m_dump + "/.keep", "dot-file");
 
-    m_handler.PrepareDumpDBFolder(dump);
+    KelvoUtilDataHandler().PrepareDumpDBFolder(m_dump);
 
-    EXPECT_FALSE(IsLink(dump + "/.preview.db"));
-    EXPECT_FALSE(IsLink(dump + "/.hidden/deep"));
-    EXPECT_EQ(ReadFile(dump + "/.keep"), "dot-file");
-    EXPECT_EQ(ReadFile(victim), "precious");
+    EXPECT_FALSE(fs::is_symlink(m_dump + "/.preview.db"));
+    EXPECT_FALSE(fs::is_symlink(m_dump + "/.hidden/deep"));
+    EXPECT_EQ(ReadFile(m_dump + "/.keep"), "dot-file");
+    EXPECT_EQ(ReadFile(m_victim), "precious");
 }
 
-TEST_F(GuardTest, CopiedLinksNeverStayInTheTargetFolder)
+// The target as cp -rf leaves it when b.db and nested.db/inner on the stick are links. The links
+// at c.json and .hidden.db are not the *.db copy's doing: "*" skips names that begin with a dot.
+TEST_F(LinkGuard, CopiedLinksNeverStayInTheTargetFolder)
 {
-    TempDir target;
-    const std::string from = m_stick / "RestoreMWDB";
-    const std::string victim = m_tv / "victim";
-    WriteFile(victim, "precious");
-    MakeDir(from + "/nested.db");
-    for (const char *name : {"a.db", "b.db", "c.json", ".hidden.db"}) {
-        WriteFile(from + "/" + name, "");
-    }
-    // What cp -rf leaves in the target when b.db, c.json, .hidden.db and nested.db/inner are links.
-    WriteFile(target / "a.db", "real");
-    MakeLink(victim, target / "b.db");
-    MakeLink(victim, target / "c.json");
-    MakeLink(victim, target / ".hidden.db");
-    MakeDir(target / "nested.db");
-    MakeLink(victim, target / "nested.db/inner");
+    const std::string from = m_stick / "RestoreMWDB", to = m_tv / "data";
+    fs::create_directories(from + "/nested.db");
+    fs::create_directories(to + "/nested.db");
+    for (const char *name : {"/a.db", "/b.db", "/c.json", "/.hidden.db"})
+        WriteFile(from + name, "");
+    WriteFile(to + "/a.db", "real");
+    for (const char *name : {"/b.db", "/nested.db/inner", "/c.json", "/.hidden.db"})
+        fs::create_symlink(m_victim, to + name);
 
-    KelvoUtilDataHandler::RemoveCopiedLinks(from, ".db", target.Path() + "/");
+    KelvoUtilDataHandler::RemoveCopiedLinks(from, ".db", to + "/");
 
-    EXPECT_EQ(ReadFile(target / "a.db"), "real");
-    EXPECT_FALSE(IsLink(target / "b.db"));
-    EXPECT_FALSE(IsLink(target / "nested.db/inner"));
-    EXPECT_TRUE(IsDir(target / "nested.db"));
-    EXPECT_TRUE(IsLink(target / "c.json"));      // not a name the *.db copy made
-    EXPECT_TRUE(IsLink(target / ".hidden.db"));  // "*" skips dot-files, so cp never copied it
-    EXPECT_EQ(ReadFile(victim), "precious");
+    EXPECT_EQ(ReadFile(to + "/a.db"), "real");
+    EXPECT_FALSE(fs::is_symlink(to + "/b.db"));
+    EXPECT_FALSE(fs::is_symlink(to + "/nested.db/inner"));
+    EXPECT_TRUE(fs::is_directory(to + "/nested.db"));
+    EXPECT_TRUE(fs::is_symlink(to + "/c.json"));
+    EXPECT_TRUE(fs::is_symlink(to + "/.hidden.db"));
+    EXPECT_EQ(ReadFile(m_victim), "precious");
 }
 }  // namespace

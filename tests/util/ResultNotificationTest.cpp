@@ -1,17 +1,21 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "FakeDlog.h"
-#include "FakeNotification.h"
 #include "ResultNotification.h"
 #include "UtilTestSupport.h"
-#include "notification.h"
 
+using ::testing::_;
+using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 
 namespace {
-class ResultNotificationTest : public UtilTest {};
+class ResultNotificationTest : public UtilTest {
+protected:
+    // Show on the one instance, with the log of GetInstance left out.
+    static void Show(int type)
+    {
+        ResultNotification *notifier = ResultNotification::GetInstance();
+        FakeDlog::Clear();
+        notifier->Show(static_cast<ResultNotification::EResultType>(type));
+    }
+};
 
 struct ContentCase {
     int type;
@@ -20,78 +24,55 @@ struct ContentCase {
 
 class ResultNotificationContent : public ResultNotificationTest, public ::testing::WithParamInterface<ContentCase> {};
 
-TEST_P(ResultNotificationContent, PostsDumpTitleWithTheContentOfTheResult)
+TEST_P(ResultNotificationContent, PostsTheContentOfTheResultUnderTheDumpTitle)
 {
     const ContentCase &c = GetParam();
-    ResultNotification::GetInstance()->Show(static_cast<ResultNotification::EResultType>(c.type));
-
-    ASSERT_EQ(FakeNotification::Posted().size(), 1u);
-    PostedNotification posted = FakeNotification::Posted()[0];
-    EXPECT_EQ(posted.title, "ChannelMap Dump");
-    EXPECT_EQ(posted.content, c.content);
-    EXPECT_EQ(posted.applist, 0x11);
-    EXPECT_EQ(posted.hideTimeout, 20);
-    EXPECT_TRUE(posted.autoRemove);
-    EXPECT_TRUE(FakeDlog::Contains("EResultType : [" + std::to_string(c.type) + "], [" + c.content + "]"));
+    Show(c.type);
+    EXPECT_THAT(FakeNotification::Calls(),
+                ElementsAre("notification_create(0)", "notification_set_text(handle, 0, ChannelMap Dump, TITLE, -1)",
+                            "notification_set_text(handle, 1, " + std::string(c.content) + ", CONTENT, -1)",
+                            "notification_set_display_applist(handle, 17)", "notification_set_hide_timeout(handle, 20)",
+                            "notification_set_auto_remove(handle, 1)", "notification_post(handle)"));
+    EXPECT_THAT(UtilLog(), Contains("EResultType : [" + std::to_string(c.type) + "], [" + c.content + "]"));
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryResultType, ResultNotificationContent,
-                         ::testing::Values(ContentCase{0, "ChannelMap Dump Fail"},
-                                           ContentCase{1, "ChannelMap Dump Success"},
-                                           ContentCase{2, "Restore ChannelMap Fail"},
-                                           ContentCase{3, "Restore ChannelMap Success"},
-                                           ContentCase{7, ""}, ContentCase{-1, ""}));
-
-TEST_F(ResultNotificationTest, CallsTheServiceInOrderWithItsTextKeysAndNeverFreesThePostedHandle)
-{
-    ResultNotification::GetInstance()->Show(ResultNotification::RESULT_RESTORE_SUCCESS);
-
-    std::vector<FakeNotificationCall> calls = FakeNotification::Calls();
-    ASSERT_THAT(FakeNotification::CallNames(),
-                ElementsAre("notification_create", "notification_set_text", "notification_set_text",
-                            "notification_set_display_applist", "notification_set_hide_timeout",
-                            "notification_set_auto_remove", "notification_post"));
-    EXPECT_THAT(calls[0].args, ElementsAre("0"));
-    EXPECT_THAT(calls[1].args, ElementsAre("0", "ChannelMap Dump", "TITLE", "-1"));
-    EXPECT_THAT(calls[2].args, ElementsAre("1", "Restore ChannelMap Success", "CONTENT", "-1"));
-    EXPECT_THAT(calls[3].args, ElementsAre("17"));
-    EXPECT_THAT(calls[4].args, ElementsAre("20"));
-    EXPECT_THAT(calls[5].args, ElementsAre("1"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    EveryResultType, ResultNotificationContent,
+    ::testing::Values(ContentCase{0, "ChannelMap Dump Fail"}, ContentCase{1, "ChannelMap Dump Success"},
+                      ContentCase{2, "Restore ChannelMap Fail"}, ContentCase{3, "Restore ChannelMap Success"},
+                      ContentCase{7, ""}, ContentCase{-1, ""}));
 
 // Each failure is logged under the name of the other call, and Show goes on.
 TEST_F(ResultNotificationTest, FailureMessagesNameTheOtherCall)
 {
     FakeNotification::SetDisplayApplistResult(-22);
-    ResultNotification::GetInstance()->Show(ResultNotification::RESULT_DUMP_SUCCESS);
-    EXPECT_TRUE(FakeDlog::Contains("> notification_post failed[-22]"));
-    EXPECT_FALSE(FakeDlog::Contains("notification_set_display_applist failed"));
-    EXPECT_EQ(FakeNotification::Posted().size(), 1u);
+    Show(ResultNotification::RESULT_DUMP_SUCCESS);
+    EXPECT_THAT(UtilLog(), ElementsAre(_, _, "notification_post failed[-22]"));
+    EXPECT_EQ(FakeNotification::Calls().back(), "notification_post(handle)");
 
-    FakeDlog::Clear();
     FakeNotification::Reset();
-    FakeNotification::SetPostResult(NOTIFICATION_ERROR_IO_ERROR);
-    ResultNotification::GetInstance()->Show(ResultNotification::RESULT_DUMP_SUCCESS);
-    EXPECT_TRUE(FakeDlog::Contains("> notification_set_display_applist failed[-5]"));
-    EXPECT_FALSE(FakeDlog::Contains("notification_post failed"));
+    FakeNotification::SetPostResult(-5);
+    Show(ResultNotification::RESULT_DUMP_SUCCESS);
+    EXPECT_THAT(UtilLog(), ElementsAre(_, _, "notification_set_display_applist failed[-5]"));
 }
 
 TEST_F(ResultNotificationTest, FailedCreateFreesTheNullHandleAndPostsNothing)
 {
     FakeNotification::FailCreate();
-    ResultNotification::GetInstance()->Show(ResultNotification::RESULT_DUMP_FAIL);
-    EXPECT_THAT(FakeNotification::CallNames(), ElementsAre("notification_create", "notification_free"));
-    EXPECT_EQ(FakeNotification::Calls()[1].handle, -1);
-    EXPECT_EQ(LogIndex("notification_create failed"), LogIndex("m_notihandle:[(nil)]") + 1);
+    Show(ResultNotification::RESULT_DUMP_FAIL);
+    EXPECT_THAT(FakeNotification::Calls(), ElementsAre("notification_create(0)", "notification_free(null)"));
+    EXPECT_THAT(UtilLog(), ElementsAre("m_notihandle:[(nil)]", "notification_create failed"));
 }
 
 TEST_F(ResultNotificationTest, GetInstanceGivesOneObjectAndLogsEachRequest)
 {
     ResultNotification *first = ResultNotification::GetInstance();
+    // Under ctest each test has a process of its own, so the instance was made just now.
+    for (const std::string &text : FakeDlog::Texts("kelvo-util"))
+        EXPECT_TRUE(text.find("Create ResultNotification Instance.") == text.npos ||
+                    text.find(": m_CreateInstance(") != text.npos) << text;
     FakeDlog::Clear();
-    ResultNotification *second = ResultNotification::GetInstance();
-    EXPECT_NE(first, nullptr);
-    EXPECT_EQ(first, second);
+    EXPECT_EQ(ResultNotification::GetInstance(), first);
     EXPECT_THAT(UtilLog(), ElementsAre("Get ResultNotification Instance."));
 }
 }  // namespace

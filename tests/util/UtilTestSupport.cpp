@@ -1,29 +1,20 @@
 #include "UtilTestSupport.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
-#include "FakeDlog.h"
-#include "FakeNotification.h"
-#include "FakeSystem.h"
-#include "FakeTvs.h"
-#include "FakeUsb.h"
-#include "RecordingDatabaseHelper.h"
-#include "ScriptedTzplatform.h"
+#include "FakeCall.h"
+#include "databaseHelper.h"
 #include "tzplatform_config.h"
 
 TempDir::TempDir()
 {
     char pattern[] = "/tmp/kelvo-util-test-XXXXXX";
-    char *made = mkdtemp(pattern);
-    if (made == nullptr)
+    if (mkdtemp(pattern) == nullptr)
         abort();
-    m_path = made;
+    m_path = pattern;
 }
 
 TempDir::~TempDir()
@@ -32,69 +23,55 @@ TempDir::~TempDir()
     std::filesystem::remove_all(m_path, ignored);
 }
 
-void WriteFile(const std::string &path, const std::string &text)
-{
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << text;
-}
+void WriteFile(const std::string &path, const std::string &text) { std::ofstream(path, std::ios::binary) << text; }
 
 std::string ReadFile(const std::string &path)
 {
-    std::ifstream in(path, std::ios::binary);
     std::stringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
-}
-
-void MakeDir(const std::string &path) { std::filesystem::create_directories(path); }
-
-void MakeLink(const std::string &target, const std::string &path)
-{
-    if (symlink(target.c_str(), path.c_str()) != 0)
-        abort();
-}
-
-bool IsLink(const std::string &path)
-{
-    struct stat st;
-    return lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode);
-}
-
-bool IsDir(const std::string &path)
-{
-    struct stat st;
-    return lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
-}
-
-bool IsRegularFile(const std::string &path)
-{
-    struct stat st;
-    return lstat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
 std::vector<std::string> UtilLog() { return FakeDlog::Messages("kelvo-util"); }
 
-int LogIndex(const std::string &text)
+std::vector<std::string> RecordedDb::events;
+std::vector<KelvoUtilProgramData> RecordedDb::rows;
+
+// The connection and builders are never used here, so the members stay as the header leaves them.
+KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper() = default;
+KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
+void KelvoUtilDatabaseHelper::OpenDB() { RecordedDb::events.push_back("OpenDB"); }
+void KelvoUtilDatabaseHelper::CloseDB() { RecordedDb::events.push_back("CloseDB"); }
+
+static void Record(const char *event, const KelvoUtilProgramData &row)
 {
-    std::vector<std::string> log = UtilLog();
-    for (size_t i = 0; i < log.size(); ++i)
-        if (log[i] == text)
-            return static_cast<int>(i);
-    return -1;
+    RecordedDb::events.push_back(event);
+    RecordedDb::rows.push_back(row);
+}
+
+void KelvoUtilDatabaseHelper::InsertProgramRF(KelvoUtilProgramData row) { Record("RF", row); }
+void KelvoUtilDatabaseHelper::InsertProgramMeta(KelvoUtilProgramData row) { Record("META", row); }
+
+std::map<int, std::string> g_tzFolders;
+
+extern "C" const char *tzplatform_getenv(enum tzplatform_variable id)
+{
+    auto it = g_tzFolders.find(id);
+    return it != g_tzFolders.end() ? it->second.c_str() : nullptr;
 }
 
 void UtilTest::SetUp()
 {
+    FakeCall::Reset();
     FakeDlog::Clear();
     FakeNotification::Reset();
     FakeSystem::Reset();
     FakeSystem::SetNow(1700000000);
     FakeTvs::Reset();
     FakeUsb::Reset();
-    RecordedDb::Reset();
-    ScriptedTzplatform::Reset();
-    ScriptedTzplatform::Set(TZ_SYS_RW_APP, RwApp());
-    ScriptedTzplatform::Set(TZ_SYS_DB, DbSpace());
-    MakeDir(RwApp() + "/tvs-chms/data");
-    MakeDir(DbSpace());
+    RecordedDb::events.clear();
+    RecordedDb::rows.clear();
+    g_tzFolders = {{TZ_SYS_RW_APP, RwApp()}, {TZ_SYS_DB, DbSpace()}};
+    std::filesystem::create_directories(RwApp() + "/tvs-chms/data");
+    std::filesystem::create_directories(DbSpace());
 }

@@ -1,40 +1,55 @@
-// Shared ground of the utility's tests: temporary folders, small file helpers, and a fixture
-// that resets every fake and points the tzplatform folders into a temporary TV.
+// Shared ground of the utility's tests: the fakes of the platform, a temporary TV and stick,
+// tzplatform answering with the TV's folders, a recorder in place of the dump database, and the
+// utility's log.
 #ifndef KELVO_TESTS_UTIL_SUPPORT_H
 #define KELVO_TESTS_UTIL_SUPPORT_H
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
-class TempDir {
-public:
+#include "FakeDlog.h"
+#include "FakeNotification.h"
+#include "FakeSystem.h"
+#include "FakeTvs.h"
+#include "FakeUsb.h"
+#include "programData.h"
+
+// A folder under /tmp, removed with everything in it at the end of the test.
+struct TempDir {
     TempDir();
     ~TempDir();
-    TempDir(const TempDir &) = delete;
-    TempDir &operator=(const TempDir &) = delete;
-
     const std::string &Path() const { return m_path; }
     std::string operator/(const std::string &name) const { return m_path + "/" + name; }
 
-private:
     std::string m_path;
 };
 
 void WriteFile(const std::string &path, const std::string &text);
 std::string ReadFile(const std::string &path);
-void MakeDir(const std::string &path);
-void MakeLink(const std::string &target, const std::string &path);
-bool IsLink(const std::string &path);
-bool IsDir(const std::string &path);
-bool IsRegularFile(const std::string &path);
-
-// Log messages of kelvo-util (prefix cut off), and the index of the first one equal to text.
+// kelvo-util's log messages, their "<file>: <function>(<line>) > " prefix cut off.
 std::vector<std::string> UtilLog();
-int LogIndex(const std::string &text);
 
-// Every fake reset, the clock fixed at 1700000000, the TV's folders in m_tv, the stick in m_stick.
+// KelvoUtilDatabaseHelper is defined in UtilTestSupport.cpp instead of databaseHelper.cpp, so
+// that a test never writes the database under /opt: it records what it is asked to do.
+struct RecordedDb {
+    static std::vector<std::string> events;  // "OpenDB", "CloseDB", "RF", "META"
+    static std::vector<KelvoUtilProgramData> rows;
+};
+
+// tzplatform_getenv answers from here; a variable that is missing gives null.
+extern std::map<int, std::string> g_tzFolders;
+
+// Names a parameterized case by its parameter's name member.
+struct ByName {
+    template <typename P>
+    std::string operator()(const ::testing::TestParamInfo<P> &info) const { return info.param.name; }
+};
+
+// Every fake reset, the time at 1700000000, the TV's folders in m_tv, the stick in m_stick.
 class UtilTest : public ::testing::Test {
 protected:
     void SetUp() override;

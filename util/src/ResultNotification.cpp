@@ -7,12 +7,16 @@ std::once_flag ResultNotification::m_flag;
 
 ResultNotification *ResultNotification::GetInstance()
 {
-    std::call_once(m_flag, [] {
-        KELVO_UTIL_LOG("Create ResultNotification Instance.");
-        m_Instance.reset(new ResultNotification());
-    });
+    std::call_once(m_flag, m_CreateInstance);
     KELVO_UTIL_LOG("Get ResultNotification Instance.");
     return m_Instance.get();
+}
+
+// A named operation rather than a lambda, so that its log line names a function a reader can find.
+void ResultNotification::m_CreateInstance()
+{
+    KELVO_UTIL_LOG("Create ResultNotification Instance.");
+    m_Instance.reset(new ResultNotification());
 }
 
 std::string ResultNotification::m_ConvertTypeToContentString(EResultType type)

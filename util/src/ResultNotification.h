@@ -24,6 +24,7 @@ public:
 
 private:
     ResultNotification() = default;
+    static void m_CreateInstance();
     std::string m_ConvertTypeToContentString(EResultType type);
 
     notification_h m_notihandle = nullptr;

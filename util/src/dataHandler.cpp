@@ -118,6 +118,19 @@ std::string KelvoUtilDataHandler::m_PlatformFolder(enum tzplatform_variable id)
     return folder;
 }
 
+// The middleware's own backup and restore: success is a positive answer, and a middleware that
+// cannot be reached answers nothing, which is a failure.
+bool KelvoUtilDataHandler::m_CallTVSUtil(int (IUtil::*operation)(const char *), const std::string &folder)
+{
+    int ret = 0;
+    IUtil *util = TVServiceAPI::CreateUtil();
+    if (util != nullptr) {
+        ret = (util->*operation)(folder.c_str());
+        TVServiceAPI::Destroy(util);
+    }
+    return ret > 0;
+}
+
 void KelvoUtilDataHandler::RemoveCopiedLinks(const std::string &fromFolder, const std::string &suffix,
                                              const std::string &toFolder)
 {
@@ -174,13 +187,7 @@ bool KelvoUtilDataHandler::RestoreData(std::string mountPath)
         fclose(fp);
     }
 
-    int ret = 0;
-    IUtil *util = TVServiceAPI::CreateUtil();
-    if (util != nullptr) {
-        ret = util->RestoreTVSData(restorePath.c_str());
-        TVServiceAPI::Destroy(util);
-    }
-    return ret > 0;
+    return m_CallTVSUtil(&IUtil::RestoreTVSData, restorePath);
 }
 
 // ---- dump ---------------------------------------------------------------------------------
@@ -283,13 +290,7 @@ bool KelvoUtilDataHandler::IsMatchedPath(std::string path)
 
 bool KelvoUtilDataHandler::BackupTVSData(std::string dumpPath)
 {
-    int ret = 0;
-    IUtil *util = TVServiceAPI::CreateUtil();
-    if (util != nullptr) {
-        ret = util->BackupTVSData(dumpPath.c_str());
-        TVServiceAPI::Destroy(util);
-    }
-    return ret > 0;
+    return m_CallTVSUtil(&IUtil::BackupTVSData, dumpPath);
 }
 
 bool KelvoUtilDataHandler::CopyFiles(std::string dumpPath)

@@ -10,6 +10,8 @@
 #include "databaseHelper.h"
 #include "tzplatform_config.h"
 
+class IUtil;
+
 class KelvoUtilDataHandler {
 public:
     KelvoUtilDataHandler();
@@ -47,6 +49,7 @@ public:
 private:
     static bool m_IsSafeMountPath(const std::string &mountPath);
     static std::string m_PlatformFolder(enum tzplatform_variable id);
+    static bool m_CallTVSUtil(int (IUtil::*operation)(const char *), const std::string &folder);
 
     int m_guidePeriod;
     KelvoUtilDatabaseHelper m_dbHelper;

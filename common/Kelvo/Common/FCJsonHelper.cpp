@@ -1,18 +1,41 @@
 #include "FCJsonHelper.h"
 
 #include <memory>
+#include <sstream>
 
 #include "FCDebug.h"
 
+namespace {
+
+// Building a reader or writer costs about as much as using it on a short reply, and every remote
+// call does both; each thread keeps one of each. Both reset their state at the start of a use,
+// also after a use that ended in an exception.
+Json::CharReader &Reader()
+{
+    thread_local const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    return *reader;
+}
+
+Json::StreamWriter &CompactWriter()
+{
+    thread_local const std::unique_ptr<Json::StreamWriter> writer([] {
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        return builder.newStreamWriter();
+    }());
+    return *writer;
+}
+
+}  // namespace
+
 bool FCJsonHelper::ParseToJson(const std::string &text, Json::Value &out)
 {
-    Json::CharReaderBuilder builder;
-    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::CharReader &reader = Reader();
     std::string errors;
     // The reader raises, rather than fails, on nesting deeper than its stack limit; a reply
     // from the daemon may hold anything, so that is a parse failure like any other.
     try {
-        return reader->parse(text.data(), text.data() + text.size(), &out, &errors);
+        return reader.parse(text.data(), text.data() + text.size(), &out, &errors);
     } catch (const Json::Exception &) {
         return false;
     }
@@ -63,7 +86,9 @@ std::string FCJsonHelper::GetMetaJsonStringWithExceptionTags(Json::Value meta, s
 
 std::string FCJsonHelper::WriteCompact(const Json::Value &value)
 {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, value);
+    thread_local std::ostringstream text;
+    text.str(std::string());
+    text.clear();
+    CompactWriter().write(value, &text);
+    return text.str();
 }

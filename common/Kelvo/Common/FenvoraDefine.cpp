@@ -31,11 +31,13 @@ FCFenvoraObjectFactory* FCFenvoraObjectFactory::m_pInstance = nullptr;
 
 namespace {
 
+using Factory = FCFenvoraObjectFactory;
+
 // Every accessor: the cached object, else a new one from the factory, kept for the process.
 template <typename T>
-T* Cached(T*& cache, T* (FCFenvoraObjectFactory::*make)()) {
+T* Cached(T*& cache, T* (Factory::*make)()) {
     if (cache) return cache;
-    FCFenvoraObjectFactory* factory = FCFenvoraObjectFactory::GetInstance();
+    Factory* factory = Factory::GetInstance();
     if (!factory) return nullptr;
     cache = (factory->*make)();
     return cache;
@@ -90,39 +92,27 @@ bool FCAPI::Reset() {
 }
 
 FCMBRNetworkChannelAPI* FCAPI::GetMBRNetworkChannelAPI() {
-    return Cached(m_pMBRNetworkChannelAPI, &FCFenvoraObjectFactory::GetMBRNetworkChannelManager);
+    return Cached(m_pMBRNetworkChannelAPI, &Factory::GetMBRNetworkChannelManager);
 }
-
 FCRFNetworkChannelAPI* FCAPI::GetRFNetworkChannelAPI() {
-    return Cached(m_pRFNetworkChannelAPI, &FCFenvoraObjectFactory::GetRFNetworkChannelManager);
+    return Cached(m_pRFNetworkChannelAPI, &Factory::GetRFNetworkChannelManager);
 }
-
-FCRemoteContentAPI* FCAPI::GetRemoteContentAPI() {
-    return Cached(m_pRemoteContentAPI, &FCFenvoraObjectFactory::GetRemoteContentAPI);
-}
-
+FCRemoteContentAPI* FCAPI::GetRemoteContentAPI() { return Cached(m_pRemoteContentAPI, &Factory::GetRemoteContentAPI); }
 FCRemoteContent_MSOAPI* FCAPI::GetRemoteContentMSOAPI() {
-    return Cached(m_pRemoteContentMSOAPI, &FCFenvoraObjectFactory::GetRemoteContentMSOAPI);
+    return Cached(m_pRemoteContentMSOAPI, &Factory::GetRemoteContentMSOAPI);
 }
-
-FCTVLumeAPI* FCAPI::GetTVLumeAPI() { return Cached(m_pTVLumeAPI, &FCFenvoraObjectFactory::GetTVLumeAPI); }
-
-FIMatchFinder* FCAPI::GetMatchFinder() { return Cached(m_pMatchFinder, &FCFenvoraObjectFactory::GetMatchFinder); }
-
+FCTVLumeAPI* FCAPI::GetTVLumeAPI() { return Cached(m_pTVLumeAPI, &Factory::GetTVLumeAPI); }
+FIMatchFinder* FCAPI::GetMatchFinder() { return Cached(m_pMatchFinder, &Factory::GetMatchFinder); }
 FCVirtualChannelsAPI* FCAPI::GetVirtualChannelsAPI() {
-    return Cached(m_pVirtualChannelsAPI, &FCFenvoraObjectFactory::GetVirtualChannelsAPI);
+    return Cached(m_pVirtualChannelsAPI, &Factory::GetVirtualChannelsAPI);
 }
-
 FCThumbnailManagerAPI* FCAPI::GetThumbnailManagerAPI() {
-    return Cached(m_pThumbnailManagerAPI, &FCFenvoraObjectFactory::GetThumbnailManagerAPI);
+    return Cached(m_pThumbnailManagerAPI, &Factory::GetThumbnailManagerAPI);
 }
-
-FIACRSupportAPI* FCAPI::GetACRSupportAPI() { return Cached(m_pACRSupportAPI, &FCFenvoraObjectFactory::GetACRSupportAPI); }
-
-FCAocAppInfoAPI* FCAPI::GetAocAppInfoAPI() { return Cached(m_pAocAppInfoAPI, &FCFenvoraObjectFactory::GetAocAppInfoAPI); }
-
+FIACRSupportAPI* FCAPI::GetACRSupportAPI() { return Cached(m_pACRSupportAPI, &Factory::GetACRSupportAPI); }
+FCAocAppInfoAPI* FCAPI::GetAocAppInfoAPI() { return Cached(m_pAocAppInfoAPI, &Factory::GetAocAppInfoAPI); }
 FCAocProgramInfoAPI* FCAPI::GetAocProgramInfoAPI() {
-    return Cached(m_pAocProgramInfoAPI, &FCFenvoraObjectFactory::GetAocProgramInfoAPI);
+    return Cached(m_pAocProgramInfoAPI, &Factory::GetAocProgramInfoAPI);
 }
 
 // Filled before any concurrent use (by FCAPI::Initialize), so it takes no lock.

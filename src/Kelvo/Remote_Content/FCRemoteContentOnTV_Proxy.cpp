@@ -1,5 +1,7 @@
 #include "FCRemoteContentOnTV_Proxy.h"
 
+#include <tuple>
+
 #include "FCCallHelper.h"
 #include "FCDebug.h"
 #include "FCJsonHelper.h"
@@ -9,9 +11,29 @@
 
 namespace {
 
-// Where a typed operation has nothing to send, or nothing to read beyond "ret".
-const auto kEmptyObject = [](Json::Value& in) { in = Json::Value(Json::objectValue); };
-const auto kRetOnly = [](Json::Value&) {};
+// A marshal function with the caller's values, held by reference for the one call: Writes puts
+// the values into the argument, Reads fills them from the reply.
+template <bool kWrites, typename Marshal, typename... V>
+struct Codec {
+    Marshal marshal;
+    std::tuple<V&...> values;
+    void Write(Json::Value& argument) const {
+        if constexpr (kWrites) std::apply([&](V&... v) { marshal(v..., argument); }, values);
+    }
+    void Read(Json::Value& reply) const {
+        if constexpr (!kWrites) std::apply([&](V&... v) { marshal(reply, v...); }, values);
+    }
+};
+
+template <typename Marshal, typename... V>
+Codec<true, Marshal, V...> Writes(Marshal marshal, V&... values) {
+    return {marshal, std::tie(values...)};
+}
+
+template <typename Marshal, typename... V>
+Codec<false, Marshal, V...> Reads(Marshal marshal, V&... outputs) {
+    return {marshal, std::tie(outputs...)};
+}
 
 // "ret" of a reply; absent, or of a kind that is no flag, it reads false.
 bool ReplyRet(const Json::Value& reply) {
@@ -20,19 +42,20 @@ bool ReplyRet(const Json::Value& reply) {
     return ret.isConvertibleTo(Json::booleanValue) && ret.asBool();
 }
 
-// The typed form of every operation: write the arguments, make the call, fill the outputs from the
-// reply and answer the reply's "ret". The outputs are read whatever "ret" said (and from the empty
-// reply of a failed call), as the daemon's callers expect partly filled outputs.
-template <typename Write, typename Read>
-bool TypedCall(const char* method, Write write, Read read) {
-    Json::Value argument;
-    write(argument);
+// The typed form of every operation: the argument object from the Writes codecs, the call, the
+// outputs from the reply by the Reads codecs, and the reply's "ret". The outputs are read whatever
+// "ret" said (and from the empty reply of a failed call), as the daemon's callers expect partly
+// filled outputs.
+template <typename... Codecs>
+bool TypedCall(const char* method, const Codecs&... codecs) {
+    Json::Value argument(Json::objectValue);
+    (codecs.Write(argument), ...);
     Json::Value reply;
     // A failed call leaves the reply empty, except that a reply cut short keeps what jsoncpp read
     // before the cut ({"ret":true,... would still say true); and a reply that is no object (a bare
     // number, an array) cannot be indexed by name. Both are read as the empty reply.
     if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject()) reply = Json::Value();
-    read(reply);
+    (codecs.Read(reply), ...);
     return ReplyRet(reply);
 }
 
@@ -49,6 +72,16 @@ bool NotifyCall(const char* method, const std::string& in) {
     return FCJsonHelper::ParseReturnBoolean(reply);
 }
 
+// The daemon takes some flags of a request under "ret".
+bool RetToJson(const bool& flag, Json::Value& out) {
+    out["ret"] = flag;
+    return true;
+}
+
+// The overload that sends antenna and service mode apart.
+bool (*const kTVSourceAndModesToJson)(const int&, const int&, const int&, Json::Value&) =
+    FCMarshal::TVSourceAndTVModeToJson;
+
 }  // namespace
 
 // ---- FCRemoteContentOnTV_Proxy ----
@@ -57,18 +90,17 @@ bool NotifyCall(const char* method, const std::string& in) {
 
 bool FCRemoteContentOnTV_Proxy::Reset() {
     FC_ENTRY;
-    return TypedCall("FCRemoteContent_Reset", kEmptyObject, kRetOnly);
+    return TypedCall("FCRemoteContent_Reset");
 }
 
 bool FCRemoteContentOnTV_Proxy::ToggleKelvoTimeoutTest(bool enable) {
     FC_ENTRY;
-    return TypedCall("ToggleKelvoTimeoutTest", [&](Json::Value& in) { in["ret"] = enable; }, kRetOnly);
+    return TypedCall("ToggleKelvoTimeoutTest", Writes(RetToJson, enable));
 }
 
 bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnv(const std::string& country, const std::string& language) {
     FC_ENTRY;
-    return TypedCall("SetRemoteContentEnv",
-                     [&](Json::Value& in) { FCMarshal::CountryAndLangToJson(country, language, in); }, kRetOnly);
+    return TypedCall("SetRemoteContentEnv", Writes(FCMarshal::CountryAndLangToJson, country, language));
 }
 
 bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnvForEmp(const std::string& in, std::string& out) {
@@ -78,8 +110,7 @@ bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnvForEmp(const std::string& in,
 
 bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string& country, std::string& language) {
     FC_ENTRY;
-    return TypedCall("GetRemoteContentEnv", kEmptyObject,
-                     [&](Json::Value& reply) { FCMarshal::JsonToCountryAndLang(reply, country, language); });
+    return TypedCall("GetRemoteContentEnv", Reads(FCMarshal::JsonToCountryAndLang, country, language));
 }
 
 bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string& inOut) {
@@ -91,10 +122,9 @@ bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(int 
                                                                             int serviceMode,
                                                                             eRemoteContentActivity& activity) {
     FC_ENTRY;
-    return TypedCall(
-        "GetRemoteContentActivityByTVSourceAndTSTVMode",
-        [&](Json::Value& in) { FCMarshal::TVSourceAndTVModeToJson(source, antennaMode, serviceMode, in); },
-        [&](Json::Value& reply) { FCMarshal::JsonToactivityID(reply, activity); });
+    return TypedCall("GetRemoteContentActivityByTVSourceAndTSTVMode",
+                     Writes(kTVSourceAndModesToJson, source, antennaMode, serviceMode),
+                     Reads(FCMarshal::JsonToactivityID, activity));
 }
 
 bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(const std::string& in, std::string& out) {
@@ -104,12 +134,12 @@ bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(cons
 
 bool FCRemoteContentOnTV_Proxy::GetChannelCRC(std::string& crc) {
     FC_ENTRY;
-    return TypedCall("GetChannelCRC", kEmptyObject, [&](Json::Value& reply) { FCMarshal::JsonToChannelCRC(reply, crc); });
+    return TypedCall("GetChannelCRC", Reads(FCMarshal::JsonToChannelCRC, crc));
 }
 
 bool FCRemoteContentOnTV_Proxy::GetFenvoraVersion(std::string& version) {
     FC_LOGD("%s: %s(%d) > DBG_LV[%d]called\n", FC_DBG_LV);
-    return TypedCall("GetFenvoraVersion", kEmptyObject, [&](Json::Value& reply) { FCMarshal::JsonToStr(reply, version); });
+    return TypedCall("GetFenvoraVersion", Reads(FCMarshal::JsonToStr, version));
 }
 
 bool FCRemoteContentOnTV_Proxy::NotifyPreviewDownloaderFinish(std::string& in) {
@@ -130,8 +160,8 @@ bool FCRemoteContentOnTV_Proxy::NotifyDVRContentUpdate() {
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(eRemoteContentActivity activity, FCRemoteMSOConfig& config) {
     FC_ENTRY;
-    return TypedCall("GetRemoteContentConfig", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteMSOConfig(reply, config); });
+    return TypedCall("GetRemoteContentConfig", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToFCRemoteMSOConfig, config));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(const std::string& in, std::string& out) {
@@ -142,12 +172,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(const std::string& in
 bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(eRemoteContentActivity activity,
                                                            const FCRemoteMSOConfig& config) {
     FC_ENTRY;
-    return TypedCall("SetRemoteContentConfig",
-                     [&](Json::Value& in) {
-                         FCMarshal::activityIDToJson(activity, in);
-                         FCMarshal::FCRmoteMSOConfigToJson(config, in);
-                     },
-                     kRetOnly);
+    return TypedCall("SetRemoteContentConfig", Writes(FCMarshal::activityIDToJson, activity),
+                     Writes(FCMarshal::FCRmoteMSOConfigToJson, config));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(const std::string& in, std::string& out) {
@@ -157,8 +183,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(const std::string& in
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(eRemoteContentActivity activity, CKelvoResponse_CertRule& rule) {
     FC_ENTRY;
-    return TypedCall("GetCertRule", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToCertRule(reply, rule); });
+    return TypedCall("GetCertRule", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToCertRule, rule));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(const std::string& in, std::string& out) {
@@ -169,8 +195,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(const std::string& in, std::stri
 bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(eRemoteContentActivity activity,
                                                        std::vector<FCRemoteChannel>& channels) {
     FC_ENTRY;
-    return TypedCall("GetFullChannelList", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToChannelList(reply, channels); });
+    return TypedCall("GetFullChannelList", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(const std::string& in, std::string& out) {
@@ -181,8 +207,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(const std::string& in, st
 bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(eRemoteContentActivity activity,
                                                           std::vector<FCRemoteChannel>& channels) {
     FC_ENTRY;
-    return TypedCall("GetTunableChannelList", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToChannelList(reply, channels); });
+    return TypedCall("GetTunableChannelList", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(const std::string& in, std::string& out) {
@@ -193,9 +219,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(const std::string& in,
 bool FCRemoteContentOnTV_MSO_Proxy::GetTunableProgramSourceIdMap(eRemoteContentActivity activity,
                                                                  std::map<std::string, FCRemoteChannelKey>& sourceMap) {
     FC_ENTRY;
-    return TypedCall("GetTunableProgramSourceIdMap",
-                     [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToProgramSourceMap(reply, sourceMap); });
+    return TypedCall("GetTunableProgramSourceIdMap", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToProgramSourceMap, sourceMap));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activity, std::vector<std::string>& sourceIds,
@@ -203,11 +228,9 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activit
                                                   std::map<std::string, std::vector<FCRemoteProgram>>& programMap) {
     FC_ENTRY;
     return TypedCall("GetProgramMap",
-                     [&](Json::Value& in) {
-                         FCMarshal::SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson(
-                             activity, sourceIds, utcStartTime, duration, filter, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToProgramMap(reply, programMap); });
+                     Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson, activity,
+                            sourceIds, utcStartTime, duration, filter),
+                     Reads(FCMarshal::JsonToProgramMap, programMap));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(const std::string& in, std::string& out) {
@@ -241,11 +264,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(eRemoteCo
                                                                        unsigned long utcStartTime, int duration) {
     FC_ENTRY;
     return TypedCall("LoadAdditionalProgramMapFromServer",
-                     [&](Json::Value& in) {
-                         FCMarshal::SourceIDListAndUtcStartTimeAndDurationToJson(activity, sourceIds, utcStartTime,
-                                                                                 duration, in);
-                     },
-                     kRetOnly);
+                     Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationToJson, activity, sourceIds, utcStartTime,
+                            duration));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(const std::string& in, std::string& out) {
@@ -255,8 +275,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(const std
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(eRemoteContentActivity activity, std::vector<FCGenreInfo>& genres) {
     FC_ENTRY;
-    return TypedCall("GetGenreList", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToGenreList(reply, genres); });
+    return TypedCall("GetGenreList", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToGenreList, genres));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(const std::string& in, std::string& out) {
@@ -267,8 +287,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(const std::string& in, std::str
 bool FCRemoteContentOnTV_MSO_Proxy::GetVODProviders(eRemoteContentActivity activity,
                                                     CKelvoResponse_VODProviders& providers) {
     FC_ENTRY;
-    return TypedCall("GetVODProviders", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToVODProvider(reply, providers); });
+    return TypedCall("GetVODProviders", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToVODProvider, providers));
 }
 
 // The caller reads the providers from the text itself; the reply is handed over unparsed.
@@ -284,10 +304,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteProgramByProgramSourceID(eRemoteC
                                                                         FCRemoteProgram& program) {
     FC_ENTRY;
     return TypedCall("GetFCRemoteProgramByProgramSourceID",
-                     [&](Json::Value& in) {
-                         FCMarshal::ProgramSourceIDAndUtcCurrentTimeToJson(activity, sourceId, utcCurrentTime, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteProgram(reply, program); });
+                     Writes(FCMarshal::ProgramSourceIDAndUtcCurrentTimeToJson, activity, sourceId, utcCurrentTime),
+                     Reads(FCMarshal::JsonToFCRemoteProgram, program));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteProgramByProgramSourceID(const std::string& in, std::string& out) {
@@ -300,8 +318,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteChannelByProgramSourceID(eRemoteC
                                                                         FCRemoteChannel& channel) {
     FC_ENTRY;
     return TypedCall("GetFCRemoteChannelByProgramSourceID",
-                     [&](Json::Value& in) { FCMarshal::ProgramSourceIDToJson(activity, sourceId, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteChannel(reply, channel); });
+                     Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
+                     Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteChannelByProgramSourceID(const std::string& in, std::string& out) {
@@ -313,12 +331,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInRFMode(eRemoteContentAct
                                                                unsigned long long& serviceId,
                                                                unsigned long utcCurrentTime, std::string& searchKey) {
     FC_ENTRY;
-    return TypedCall("GetSearchKeyStringInRFMode",
-                     [&](Json::Value& in) {
-                         FCMarshal::UtcCurrentTimeToJson(activity, utcCurrentTime, in);
-                         FCMarshal::VCServiceIdToJson(serviceId, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToSearchString(reply, searchKey); });
+    return TypedCall("GetSearchKeyStringInRFMode", Writes(FCMarshal::UtcCurrentTimeToJson, activity, utcCurrentTime),
+                     Writes(FCMarshal::VCServiceIdToJson, serviceId), Reads(FCMarshal::JsonToSearchString, searchKey));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInMBRMode(eRemoteContentActivity activity,
@@ -326,17 +340,15 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInMBRMode(eRemoteContentAc
                                                                 unsigned long utcCurrentTime, std::string& searchKey) {
     FC_ENTRY;
     return TypedCall("GetSearchKeyStringInMBRMode",
-                     [&](Json::Value& in) {
-                         FCMarshal::MBRChannelAndUTCCurrentTimeToJson(activity, mbrChannelNumber, utcCurrentTime, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToSearchString(reply, searchKey); });
+                     Writes(FCMarshal::MBRChannelAndUTCCurrentTimeToJson, activity, mbrChannelNumber, utcCurrentTime),
+                     Reads(FCMarshal::JsonToSearchString, searchKey));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFeaturedChannels(eRemoteContentActivity activity,
                                                         std::vector<FCRemoteChannel>& channels) {
     FC_ENTRY;
-    return TypedCall("GetFeaturedChannels", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToChannelList(reply, channels); });
+    return TypedCall("GetFeaturedChannels", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 // Operator contents are not taken from clients of this build.
@@ -348,8 +360,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::SetMVPDContents(std::string&, std::string&) 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFullProgramSourceIdList(eRemoteContentActivity activity,
                                                                std::vector<std::string>& sourceIds) {
     FC_ENTRY;
-    return TypedCall("GetFullProgramSourceIdList", [&](Json::Value& in) { FCMarshal::activityIDToJson(activity, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToSourceIDList(reply, sourceIds); });
+    return TypedCall("GetFullProgramSourceIdList", Writes(FCMarshal::activityIDToJson, activity),
+                     Reads(FCMarshal::JsonToSourceIDList, sourceIds));
 }
 
 #undef FC_ENTRY
@@ -361,12 +373,8 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetFullProgramSourceIdList(eRemoteContentAct
 bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(eRemoteContentActivity activity,
                                                           unsigned long long& serviceId, FCRemoteChannel& channel) {
     FC_ENTRY;
-    return TypedCall("GetFCRemoteChannelByTCServiceId",
-                     [&](Json::Value& in) {
-                         FCMarshal::activityIDToJson(activity, in);
-                         FCMarshal::VCServiceIdToJson(serviceId, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteChannel(reply, channel); });
+    return TypedCall("GetFCRemoteChannelByTCServiceId", Writes(FCMarshal::activityIDToJson, activity),
+                     Writes(FCMarshal::VCServiceIdToJson, serviceId), Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
 bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(const std::string& in, std::string& out) {
@@ -377,12 +385,8 @@ bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(const std::string& in,
 bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(eRemoteContentActivity activity, FCRemoteChannel& channel,
                                                           unsigned long long& serviceId) {
     FC_ENTRY;
-    return TypedCall("GetTCServiceIdByFCRemoteChannel",
-                     [&](Json::Value& in) {
-                         FCMarshal::activityIDToJson(activity, in);
-                         FCMarshal::FCRemoteChannelToJson(channel, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::VCJsonToServiceId(reply, serviceId); });
+    return TypedCall("GetTCServiceIdByFCRemoteChannel", Writes(FCMarshal::activityIDToJson, activity),
+                     Writes(FCMarshal::FCRemoteChannelToJson, channel), Reads(FCMarshal::VCJsonToServiceId, serviceId));
 }
 
 bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(const std::string& in, std::string& out) {
@@ -393,9 +397,8 @@ bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(const std::string& in,
 bool FCMatchFinder_Proxy::GetTCServiceIdByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
                                                           unsigned long long& serviceId) {
     FC_ENTRY;
-    return TypedCall("GetTCServiceIdByProgramSourceID",
-                     [&](Json::Value& in) { FCMarshal::ProgramSourceIDToJson(activity, sourceId, in); },
-                     [&](Json::Value& reply) { FCMarshal::VCJsonToServiceId(reply, serviceId); });
+    return TypedCall("GetTCServiceIdByProgramSourceID", Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
+                     Reads(FCMarshal::VCJsonToServiceId, serviceId));
 }
 
 bool FCMatchFinder_Proxy::GetTCServiceIdByProgramSourceID(const std::string& in, std::string& out) {
@@ -407,54 +410,43 @@ bool FCMatchFinder_Proxy::GetTCServiceIdListByProgramSourceID(eRemoteContentActi
                                                               std::list<unsigned long long>& serviceIds) {
     FC_ENTRY;
     return TypedCall("GetTCServiceIdListByProgramSourceID",
-                     [&](Json::Value& in) { FCMarshal::ProgramSourceIDToJson(activity, sourceId, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToServiceIDList(reply, serviceIds); });
+                     Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
+                     Reads(FCMarshal::JsonToServiceIDList, serviceIds));
 }
 
-// The daemon takes the flag of this search under "ret".
 bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel>& channels,
                                                             bool flag) {
     FC_ENTRY;
-    return TypedCall("GetRemoteChannelListByChannelName",
-                     [&](Json::Value& in) {
-                         FCMarshal::SearchStringToJson(name, in);
-                         in["ret"] = flag;
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToChannelList(reply, channels); });
+    return TypedCall("GetRemoteChannelListByChannelName", Writes(FCMarshal::SearchStringToJson, name),
+                     Writes(RetToJson, flag), Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int major, int minor, FCRemoteChannel& channel) {
     FC_ENTRY;
-    return TypedCall("GetRemoteChannelByChannelNumber",
-                     [&](Json::Value& in) { FCMarshal::MajorMinorToJson(major, minor, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteChannel(reply, channel); });
+    return TypedCall("GetRemoteChannelByChannelNumber", Writes(FCMarshal::MajorMinorToJson, major, minor),
+                     Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
 bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel>& channels) {
     FC_ENTRY;
-    return TypedCall("GetRemoteChannelListByChannelName",
-                     [&](Json::Value& in) { FCMarshal::SearchStringToJson(name, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToChannelList(reply, channels); });
+    return TypedCall("GetRemoteChannelListByChannelName", Writes(FCMarshal::SearchStringToJson, name),
+                     Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 // The daemon takes the single channel number under "ret".
 bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int number, FCRemoteChannel& channel) {
     FC_ENTRY;
-    return TypedCall("GetRemoteChannelByChannelNumber", [&](Json::Value& in) { FCMarshal::IntToJson(number, in); },
-                     [&](Json::Value& reply) { FCMarshal::JsonToFCRemoteChannel(reply, channel); });
+    return TypedCall("GetRemoteChannelByChannelNumber", Writes(FCMarshal::IntToJson, number),
+                     Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
 namespace {
 bool ProgramSearch(const char* method, const std::string& text,
                    std::map<std::string, std::vector<FCRemoteProgram>>& programMap, unsigned long utcStartTime,
                    unsigned long utcEndTime) {
-    return TypedCall(method,
-                     [&](Json::Value& in) {
-                         FCMarshal::UtcStartTimeToJson(utcStartTime, in);
-                         FCMarshal::UtcEndTimeToJson(utcEndTime, in);
-                         FCMarshal::SearchStringToJson(text, in);
-                     },
-                     [&](Json::Value& reply) { FCMarshal::JsonToProgramMap(reply, programMap); });
+    return TypedCall(method, Writes(FCMarshal::SearchStringToJson, text),
+                     Writes(FCMarshal::UtcStartTimeToJson, utcStartTime),
+                     Writes(FCMarshal::UtcEndTimeToJson, utcEndTime), Reads(FCMarshal::JsonToProgramMap, programMap));
 }
 }  // namespace
 
