@@ -5,6 +5,8 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <pthread.h>
 #include <string>
 #include <unistd.h>
 
@@ -22,6 +24,18 @@ char PriorityLetter(int prio)
     }
 }
 
+// getpid() is a system call on every call; the value changes only in a forked child.
+pid_t g_pid = 0;
+void ForgetPid() { g_pid = 0; }
+pid_t CachedPid()
+{
+    static const int registered = pthread_atfork(nullptr, nullptr, ForgetPid);
+    (void)registered;
+    if (g_pid == 0)
+        g_pid = getpid();
+    return g_pid;
+}
+
 int Print(int prio, const char *tag, const char *fmt, va_list args)
 {
     if (prio == DLOG_SILENT)
@@ -29,30 +43,39 @@ int Print(int prio, const char *tag, const char *fmt, va_list args)
     if (fmt == nullptr)
         return -1;
 
+    // Most messages fit the stack buffer, and are then formatted once.
+    char buffer[1024];
     va_list copy;
     va_copy(copy, args);
-    int n = vsnprintf(nullptr, 0, fmt, copy);
+    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);
     va_end(copy);
     if (n < 0)
         return -1;
-    std::string message(static_cast<size_t>(n), '\0');
-    vsnprintf(&message[0], message.size() + 1, fmt, args);
-    while (!message.empty() && message.back() == '\n')
-        message.pop_back();
+    std::string longMessage;
+    const char *message = buffer;
+    if (static_cast<size_t>(n) >= sizeof(buffer)) {
+        longMessage.resize(static_cast<size_t>(n));
+        vsnprintf(&longMessage[0], longMessage.size() + 1, fmt, args);
+        message = longMessage.c_str();
+    }
+    size_t length = static_cast<size_t>(n);
+    while (length > 0 && message[length - 1] == '\n')
+        --length;
 
+    char prefix[64];
+    const int prefixLength = snprintf(prefix, sizeof(prefix), "%c/", PriorityLetter(prio));
     std::string line;
-    line.reserve(message.size() + 48);
-    line += PriorityLetter(prio);
-    line += '/';
+    line.reserve(length + 64 + (tag != nullptr ? strlen(tag) : 0));
+    line.append(prefix, static_cast<size_t>(prefixLength));
     line += tag != nullptr ? tag : "";
     line += '(';
-    line += std::to_string(static_cast<long>(getpid()));
+    line += std::to_string(static_cast<long>(CachedPid()));
     line += "): ";
-    for (char c : message) {
-        if (c == '\n')
+    for (size_t i = 0; i < length; ++i) {
+        if (message[i] == '\n')
             line += "\\n";
         else
-            line += c;
+            line += message[i];
     }
     line += '\n';
 
