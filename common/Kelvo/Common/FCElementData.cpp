@@ -1,6 +1,5 @@
 #include "FCElementData.h"
 
-#include <cstring>
 #include <tuple>
 
 #include "FCDebug.h"
@@ -108,14 +107,6 @@ bool EqualStrings(const StringField<Record> (&fields)[N], const Record &a, const
     return true;
 }
 
-// Json::Value::get() without its copy: the member, or fallback when absent. Like get(), it
-// raises on a value that is neither an object nor null.
-const Json::Value &MemberOr(const Json::Value &in, const char *key, const Json::Value &fallback)
-{
-    const Json::Value *found = in.find(key, key + std::strlen(key));
-    return found != nullptr ? *found : fallback;
-}
-
 Json::Value UnsignedValue(unsigned long value)
 {
     return Json::Value(static_cast<Json::UInt64>(value));
@@ -146,13 +137,13 @@ bool FCRemoteProgram::FromJson(const Json::Value &in, FCRemoteProgram &program)
     // Every key read with a default: reading a programme never adds members to the reply.
     static const Json::Value noText(""), noNumber(0), noActivity(-1);
     try {
-        program.m_activityID = static_cast<eRemoteContentActivity>(MemberOr(in, "activityID", noActivity).asInt());
+        program.m_activityID = static_cast<eRemoteContentActivity>(FCJsonHelper::MemberOr(in, "activityID", noActivity).asInt());
         for (const auto &field : kProgramStrings)
-            program.*field.member = MemberOr(in, field.jsonKey, noText).asString();
-        program.m_utcStartTime = MemberOr(in, "utc start time", noNumber).asUInt();
-        program.m_duration = static_cast<int>(MemberOr(in, "duration", noNumber).asUInt());
-        program.m_endTime = MemberOr(in, "EndTime", noNumber).asUInt();
-        program.m_isRF = MemberOr(in, "IsRF", noNumber).asBool();
+            program.*field.member = FCJsonHelper::MemberOr(in, field.jsonKey, noText).asString();
+        program.m_utcStartTime = FCJsonHelper::MemberOr(in, "utc start time", noNumber).asUInt();
+        program.m_duration = static_cast<int>(FCJsonHelper::MemberOr(in, "duration", noNumber).asUInt());
+        program.m_endTime = FCJsonHelper::MemberOr(in, "EndTime", noNumber).asUInt();
+        program.m_isRF = FCJsonHelper::MemberOr(in, "IsRF", noNumber).asBool();
         const Json::Value &genres = in["genre array"];
         for (Json::ArrayIndex i = 0; i < genres.size(); ++i)
             program.m_genres.push_back(genres[i].asString());

@@ -1,5 +1,7 @@
 #include "FCJsonHelper.h"
 
+#include <cstring>
+
 #include <memory>
 #include <sstream>
 
@@ -91,4 +93,10 @@ std::string FCJsonHelper::WriteCompact(const Json::Value &value)
     text.clear();
     CompactWriter().write(value, &text);
     return text.str();
+}
+
+const Json::Value &FCJsonHelper::MemberOr(const Json::Value &in, const char *key, const Json::Value &fallback)
+{
+    const Json::Value *found = in.find(key, key + std::strlen(key));
+    return found != nullptr ? *found : fallback;
 }

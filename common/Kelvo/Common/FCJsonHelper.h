@@ -19,6 +19,9 @@ public:
 
     // Compact single-line JSON text, the form every argument travels in.
     static std::string WriteCompact(const Json::Value &value);
+    // Json::Value::get() without its copy: the member, or fallback when absent. Like get(), it
+    // never changes in, and raises on a value that is neither an object nor null.
+    static const Json::Value &MemberOr(const Json::Value &in, const char *key, const Json::Value &fallback);
 };
 
 #endif

@@ -65,14 +65,12 @@ bool ReadMembers(const Fetch &fetch, In &in, const char *key, T &out, Rest &&...
     return ReadMembers(fetch, in, std::forward<Rest>(rest)...);
 }
 
-// As Json::Value::get() with a default value, without copying the member: never changes the
-// input, and raises like get() on a value that is neither an object nor null.
+// The get() shapes: the member or a default, without copying it (FCJsonHelper::MemberOr).
 struct GetOr {
     Json::Value fallback;
     const Json::Value &operator()(const Json::Value &in, const char *key) const
     {
-        const Json::Value *found = in.find(key, key + std::strlen(key));
-        return found != nullptr ? *found : fallback;
+        return FCJsonHelper::MemberOr(in, key, fallback);
     }
 };
 
