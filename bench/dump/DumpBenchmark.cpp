@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 namespace {
-const int SERVICES = 300;
+const int kServices = 300;
 
 struct Line {
     double at;  // seconds since the run started
@@ -255,7 +255,7 @@ int main(int argc, char **argv)
     std::ofstream(g_work + "/tv/.kelvo-tv").close();
     long long now = static_cast<long long>(std::time(nullptr)) - 5;
     if (Exec({KELVO_TV_GEN, "--opt", g_work + "/tv/opt", "--fixture", g_work + "/fixture.json", "--services",
-              std::to_string(SERVICES), "--now", std::to_string(now)}) != 0) {
+              std::to_string(kServices), "--now", std::to_string(now)}) != 0) {
         std::fprintf(stderr, "kelvo-bench-dump: the TV generator failed\n");
         fs::remove_all(g_work);
         return 1;
@@ -267,7 +267,7 @@ int main(int argc, char **argv)
     const Figures &f = g_figures;
     int rows = f.run.rfRows + f.run.metaRows;
     bool measured = f.run.ok && rows > 0 && f.bulkRows == rows && f.exportTime > 0 && f.bulk < 1e9;
-    std::printf("\nreference TV: %d services\n", SERVICES);
+    std::printf("\nreference TV: %d services\n", kServices);
     std::printf("rows: programRF %d, programMETA %d\n", f.run.rfRows, f.run.metaRows);
     std::printf("wall time: kelvo-tv run %.3f s, kelvo-util from \"Start Dump\" to its end %.3f s\n", f.run.wall,
                 f.utilSpan);

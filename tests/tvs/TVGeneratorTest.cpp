@@ -16,9 +16,9 @@
 namespace fs = std::filesystem;
 
 namespace {
-const long long NOW = 1795000000;
+const long long kNow = 1795000000;
 
-int Generate(const std::string &root, const std::string &seed, int services = 60, long long now = NOW)
+int Generate(const std::string &root, const std::string &seed, int services = 60, long long now = kNow)
 {
     std::string command = std::string(KELVO_TV_GEN) + " --opt " + root + "/opt --fixture " + root +
                           "/fixture.json --services " + std::to_string(services) + " --seed " + seed + " --now " +
@@ -77,7 +77,7 @@ TEST(ReferenceTv, ExpectationsHoldTheHardCasesAndAStableDay)
         promised.push_back(id.asString());
 
     // Any start up to the end of the quiet period gives the same rows.
-    for (long long start : {NOW, static_cast<long long>(expected["windowStartLatest"].asInt64())}) {
+    for (long long start : {kNow, static_cast<long long>(expected["windowStartLatest"].asInt64())}) {
         IServiceGuide *guide = TVServiceAPI::CreateServiceGuide();
         int rows = 0;
         int servicesWithoutGuide = 0;

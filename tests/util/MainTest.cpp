@@ -17,9 +17,9 @@ struct MainCase {
     std::vector<std::string> steps;  // main's "kelvo-util ..." lines and Show's "EResultType ..." line
 };
 
-const char *const START = "kelvo-util run starts by activation .....";
-const char *const ATTACHED = "kelvo-util 222 .....";
-const char *const END = "kelvo-util 666 .....";
+const char *const kStart = "kelvo-util run starts by activation .....";
+const char *const kAttached = "kelvo-util 222 .....";
+const char *const kEnd = "kelvo-util 666 .....";
 
 class MainFlow : public UtilTest, public ::testing::WithParamInterface<MainCase> {};
 
@@ -52,15 +52,15 @@ INSTANTIATE_TEST_SUITE_P(
     Branches, MainFlow,
     ::testing::Values(
         MainCase{"NoDevice", Stick::None, 1,
-                 {START, "EResultType : [0], [ChannelMap Dump Fail]", "kelvo-util 111 ....."}},
+                 {kStart, "EResultType : [0], [ChannelMap Dump Fail]", "kelvo-util 111 ....."}},
         MainCase{"RestoreFolder", Stick::RestoreFolder, 1,
-                 {START, ATTACHED, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", END}},
+                 {kStart, kAttached, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", kEnd}},
         MainCase{"RestoreEntryAsFile", Stick::RestoreFile, 1,
-                 {START, ATTACHED, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", END}},
+                 {kStart, kAttached, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", kEnd}},
         MainCase{"RestoreFails", Stick::RestoreFolder, 0,
-                 {START, ATTACHED, "EResultType : [2], [Restore ChannelMap Fail]", "kelvo-util 444 .....", END}},
+                 {kStart, kAttached, "EResultType : [2], [Restore ChannelMap Fail]", "kelvo-util 444 .....", kEnd}},
         MainCase{"DumpSucceeds", Stick::DumpOnly, 1,
-                 {START, ATTACHED, "kelvo-util 555 .....", "EResultType : [1], [ChannelMap Dump Success]", END}},
-        MainCase{"DumpFailsSilently", Stick::DumpOnly, 0, {START, ATTACHED, END}}),
+                 {kStart, kAttached, "kelvo-util 555 .....", "EResultType : [1], [ChannelMap Dump Success]", kEnd}},
+        MainCase{"DumpFailsSilently", Stick::DumpOnly, 0, {kStart, kAttached, kEnd}}),
     ByName());
 }  // namespace

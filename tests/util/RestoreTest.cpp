@@ -6,7 +6,7 @@
 using ::testing::ElementsAre;
 
 namespace {
-const std::string DAEMON_DATA = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
+const std::string kDaemonData = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
 
 class RestoreTest : public UtilTest {
 protected:
@@ -35,8 +35,8 @@ TEST_F(RestoreTest, CopiesDatabasesThenJsonIntoTheDaemonFolderThenAsksTheMiddlew
     m_handler.RestoreData(m_stick.Path());
 
     const std::string from = m_stick / "RestoreMWDB";
-    const std::string db = "/usr/bin/cp -rf " + from + "/*.db " + DAEMON_DATA + ";sync";
-    const std::string json = "/usr/bin/cp -rf " + from + "/*.json " + DAEMON_DATA + ";sync";
+    const std::string db = "/usr/bin/cp -rf " + from + "/*.db " + kDaemonData + ";sync";
+    const std::string json = "/usr/bin/cp -rf " + from + "/*.json " + kDaemonData + ";sync";
     EXPECT_THAT(FakeSystem::Calls(), ElementsAre(db, json));
     EXPECT_THAT(UtilLog(), ElementsAre("Start Restore Kelvo DB", "restoreCommand " + db, "restore return 256",
                                        "restoreCommand " + json, "restore return 256"));

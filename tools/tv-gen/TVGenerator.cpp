@@ -12,16 +12,16 @@
 #include <set>
 
 namespace {
-const long long DAY = 86400;
-// No guide event and no server programme starts in the first QUIET seconds after "now" or after
-// "now" + one day: a dump that starts up to QUIET seconds after the TV was made exports exactly
+const long long kDay = 86400;
+// No guide event and no server programme starts in the first kQuiet seconds after "now" or after
+// "now" + one day: a dump that starts up to kQuiet seconds after the TV was made exports exactly
 // the same rows as one that starts at "now".
-const long long QUIET = 1800;
+const long long kQuiet = 1800;
 
-const char *const APP_ROOT = "/usr/home/owner/apps_rw";
-const char *const RW_APP = "/usr/globalapps";
-const char *const SYS_DB = "/dbspace";
-const char *const DAEMON_DATA = "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data";
+const char *const kAppRoot = "/usr/home/owner/apps_rw";
+const char *const kRwApp = "/usr/globalapps";
+const char *const kSysDb = "/dbspace";
+const char *const kDaemonData = "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data";
 
 struct Language {
     const char *code;  // the middleware's three letters
@@ -128,10 +128,10 @@ bool WriteAppDatabase(const std::string &path, const std::string &owner)
            d.Exec("INSERT INTO info VALUES ('owner', '" + owner + "'), ('schema', '3');");
 }
 
-const char *const RF_TABLE =
+const char *const kRfTable =
     "CREATE TABLE programRF(serviceId integer, eventId integer, starttime integer, duration integer, "
     "language text, tsid integer, onid integer, title text, descript text);";
-const char *const META_TABLE =
+const char *const kMetaTable =
     "CREATE TABLE programMETA(serviceId integer, actId integer, metaSrcId integer, metaProgId integer, "
     "starttime integer, duration integer, language text, title text, descript text);";
 
@@ -256,7 +256,7 @@ void KelvoTvGenerator::m_MakeGuide()
         edge.name = "Edge Test";
         m_services.push_back(edge);
         unsigned int eventId = 1;
-        for (long long from : {now - 60, now + DAY - 60})
+        for (long long from : {now - 60, now + kDay - 60})
             for (long long start = from; start < from + 300; ++start) {
                 TCStoredEvent e;
                 e.serviceId = id;
@@ -278,14 +278,14 @@ void KelvoTvGenerator::m_MakeGuide()
         unsigned int eventId = 1 + m_random.Below(60000);
         long long start = now - 600 - m_random.Below(3000);
         bool first = true;
-        while (start < now + DAY + 3 * 3600) {
+        while (start < now + kDay + 3 * 3600) {
             long long duration = m_random.Pick(Durations());
-            if (first && start + duration < now + QUIET)
-                duration = ((now + QUIET - start) / 900 + 1) * 900;
+            if (first && start + duration < now + kQuiet)
+                duration = ((now + kQuiet - start) / 900 + 1) * 900;
             long long next = start + duration;
-            if (next >= now + DAY && next < now + DAY + QUIET) {
-                duration += now + DAY + QUIET - next;
-                next = now + DAY + QUIET;
+            if (next >= now + kDay && next < now + kDay + kQuiet) {
+                duration += now + kDay + kQuiet - next;
+                next = now + kDay + kQuiet;
             }
             TCStoredEvent e;
             e.serviceId = static_cast<unsigned long long>(service.tags.at(12));
@@ -343,13 +343,13 @@ void KelvoTvGenerator::m_MakeSources()
                                  std::to_string(source.service->tags.count(14) ? source.service->tags.at(14) : 0)
                            : std::to_string(500 + s);
         // The last source has nothing in the coming day: the server sends it no programmes.
-        long long start = s + 1 == m_sources.size() ? now + DAY + QUIET + 3600 : now + QUIET + m_random.Below(1800);
-        long long end = s + 1 == m_sources.size() ? start + 7200 : now + DAY + QUIET + 7200;
+        long long start = s + 1 == m_sources.size() ? now + kDay + kQuiet + 3600 : now + kQuiet + m_random.Below(1800);
+        long long end = s + 1 == m_sources.size() ? start + 7200 : now + kDay + kQuiet + 7200;
         int number = 0;
         while (start < end) {
             long long duration = m_random.Pick(Durations());
-            if (start < now + DAY && start + duration >= now + DAY)
-                duration = now + DAY + QUIET - start;
+            if (start < now + kDay && start + duration >= now + kDay)
+                duration = now + kDay + kQuiet - start;
             Json::Value p(Json::objectValue);
             p["activityID"] = 0;
             p["program source id"] = source.id;
@@ -462,7 +462,7 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
     const long long now = m_options.now;
     const std::string dbPath = m_options.expectedDir + "/expected.db";
     Database d;
-    if (!d.Create(dbPath) || !d.Exec(RF_TABLE) || !d.Exec(META_TABLE) ||
+    if (!d.Create(dbPath) || !d.Exec(kRfTable) || !d.Exec(kMetaTable) ||
         !d.Exec("CREATE TABLE selected(position integer, serviceId integer, major integer, minor integer, type "
                 "integer);") ||
         !d.Exec("BEGIN")) {
@@ -473,7 +473,7 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
     expected["now"] = static_cast<Json::Int64>(now);
     expected["seed"] = static_cast<Json::UInt64>(m_options.seed);
     expected["services"] = m_options.services;
-    expected["windowStartLatest"] = static_cast<Json::Int64>(now + QUIET - 1);
+    expected["windowStartLatest"] = static_cast<Json::Int64>(now + kQuiet - 1);
     Json::Value &selected = expected["selectedServices"] = Json::Value(Json::arrayValue);
     Json::Value &missingMinor = expected["selectedWithoutMinor"] = Json::Value(Json::arrayValue);
     std::set<unsigned long long> exported;
@@ -499,7 +499,7 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
     for (const auto &e : m_events) {
         if (!exported.count(e.serviceId))
             continue;
-        if (e.startTime >= now && e.startTime < now + DAY) {
+        if (e.startTime >= now && e.startTime < now + kDay) {
             ++rfInWindow;
             ++rfPerService[std::to_string(e.serviceId)];
         }
@@ -527,7 +527,7 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
         int inWindow = 0;
         for (const auto &p : source->programmes) {
             long long start = p["utc start time"].asLargestInt();
-            if (start >= now && start < now + DAY)
+            if (start >= now && start < now + kDay)
                 ++inWindow;
             d.Exec("INSERT INTO programMETA VALUES (" + serviceId + ", 0, " + Quoted(source->id) + ", " +
                    Quoted(p["program id"].asString()) + ", " + std::to_string(start) + ", " +
@@ -560,9 +560,9 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
 bool KelvoTvGenerator::m_WriteDataFolders(std::string &error)
 {
     const std::string &opt = m_options.optDir;
-    const std::string apps = opt + APP_ROOT;
-    const std::string tvs = opt + RW_APP;
-    const std::string daemon = opt + DAEMON_DATA;
+    const std::string apps = opt + kAppRoot;
+    const std::string tvs = opt + kRwApp;
+    const std::string daemon = opt + kDaemonData;
     std::string thumbnail("\x89PNG\r\n\x1a\n", 8);
     thumbnail += "thumbnail of channel 1";
     bool ok = WriteAppDatabase(daemon + "/kelvo-content.db", "com.halvorn.tv.kelvo-daemon") &&
@@ -580,7 +580,7 @@ bool KelvoTvGenerator::m_WriteDataFolders(std::string &error)
               WriteText(apps + "/ContentServiceManager/data/csm.log", "started\n");
     // An earlier dump's database: the next dump must start from an empty one.
     Database old;
-    ok = ok && old.Create(daemon + "/kelvoutilInfo.db") && old.Exec(RF_TABLE) && old.Exec(META_TABLE) &&
+    ok = ok && old.Create(daemon + "/kelvoutilInfo.db") && old.Exec(kRfTable) && old.Exec(kMetaTable) &&
          old.Exec("INSERT INTO programRF VALUES (1, 1, 1, 1, 'eng', 0, 0, 'stale row of an earlier dump', '')") &&
          old.Exec("INSERT INTO programMETA VALUES (1, 0, '1', '1', 1, 1, 'en', 'stale row of an earlier dump', '')");
     if (!ok)
@@ -593,11 +593,11 @@ bool KelvoTvGenerator::Run(std::string &error)
     m_MakeServices();
     m_MakeGuide();
     m_MakeSources();
-    const std::string services = m_options.optDir + SYS_DB + "/" + TCServiceDataStore::SERVICE_DB_NAME;
-    const std::string guide = m_options.optDir + SYS_DB + "/" + TCServiceDataStore::GUIDE_DB_NAME;
+    const std::string services = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kServiceDbName;
+    const std::string guide = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kGuideDbName;
     // The channel-map memory dump of an earlier day, without the map: a dump must make it afresh.
     if (!TCServiceDataStore::WriteServices(services, m_services) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
-        !WriteAppDatabase(m_options.optDir + RW_APP + "/" + TCServiceDataStore::CHANNEL_MAP_DUMP, "tvs-chms")) {
+        !WriteAppDatabase(m_options.optDir + kRwApp + "/" + TCServiceDataStore::kChannelMapDump, "tvs-chms")) {
         error = "cannot write the TV's services and guide under " + m_options.optDir;
         return false;
     }

@@ -17,16 +17,16 @@
 #include "programData.h"
 
 namespace {
-const char *const APP_DATA_ROOT = "/opt/usr/home/owner/apps_rw";
-const char *const DAEMON_DATA_FOLDER = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
-const char *const DUMP_FOLDER = "/DumpMWDB";
-const char *const RESTORE_FOLDER = "/RestoreMWDB";
-const char *const TIME_FILE = "/time.txt";
-const char *const COPY_COMMAND = "/usr/bin/cp -rf ";
-const char *const REMOVE_COMMAND = "/usr/bin/rm -rf ";
+const char *const kAppDataRoot = "/opt/usr/home/owner/apps_rw";
+const char *const kDaemonDataFolder = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
+const char *const kDumpFolder = "/DumpMWDB";
+const char *const kRestoreFolder = "/RestoreMWDB";
+const char *const kTimeFile = "/time.txt";
+const char *const kCopyCommand = "/usr/bin/cp -rf ";
+const char *const kRemoveCommand = "/usr/bin/rm -rf ";
 
-const int GUIDE_PERIOD_SECONDS = 86400;
-const unsigned long long UNKNOWN_SERVICE_ID = ~0ULL;
+const int kGuidePeriodSeconds = 86400;
+const unsigned long long kUnknownServiceId = ~0ULL;
 
 // Service record fields of the TVS middleware. The channel-list query selects and fetches by
 // the middleware's own field numbers; those without a name here are used by number only.
@@ -45,7 +45,7 @@ struct CopySource {
 };
 
 // Source 1 holds the dump database, so the copy runs after the database is closed.
-const CopySource COPY_SOURCES[] = {
+const CopySource kCopySources[] = {
     {BASE_APP_DATA, "/com.halvorn.tv.kelvo-daemon/data/* "},
     {BASE_APP_DATA, "/com.halvorn.tv.kelvo-daemon/shared/kelvo/data/* "},
     {BASE_TV_SERVICE_DATA, "/esg-service/data/* "},
@@ -81,7 +81,7 @@ bool EndsWith(const std::string &text, const std::string &suffix)
 }
 }  // namespace
 
-KelvoUtilDataHandler::KelvoUtilDataHandler() : m_guidePeriod(GUIDE_PERIOD_SECONDS), m_dbHelper() {}
+KelvoUtilDataHandler::KelvoUtilDataHandler() : m_guidePeriod(kGuidePeriodSeconds), m_dbHelper() {}
 
 KelvoUtilDataHandler::~KelvoUtilDataHandler() = default;
 
@@ -154,7 +154,7 @@ void KelvoUtilDataHandler::RemoveCopiedLinks(const std::string &fromFolder, cons
 bool KelvoUtilDataHandler::IsRestoreMode(std::string mountPath)
 {
     struct stat st;
-    return stat((mountPath + RESTORE_FOLDER).c_str(), &st) == 0;
+    return stat((mountPath + kRestoreFolder).c_str(), &st) == 0;
 }
 
 bool KelvoUtilDataHandler::RestoreData(std::string mountPath)
@@ -162,24 +162,24 @@ bool KelvoUtilDataHandler::RestoreData(std::string mountPath)
     if (!m_IsSafeMountPath(mountPath))
         return false;
 
-    const std::string restorePath = mountPath + RESTORE_FOLDER;
+    const std::string restorePath = mountPath + kRestoreFolder;
     KELVO_UTIL_LOG("Start Restore Kelvo DB");
 
     // The copy statuses are only logged. cp -r copies a link as a link, and the daemon would
     // follow it out of its folder: links among the copied names are removed right after.
     for (const char *suffix : {".db", ".json"}) {
-        const std::string command = COPY_COMMAND + restorePath + "/*" + suffix + " " + DAEMON_DATA_FOLDER + ";sync";
+        const std::string command = kCopyCommand + restorePath + "/*" + suffix + " " + kDaemonDataFolder + ";sync";
         int ret = system(command.c_str());
         KELVO_UTIL_LOG("restoreCommand %s", command.c_str());
         KELVO_UTIL_LOG("restore return %d", ret);
-        RemoveCopiedLinks(restorePath, suffix, DAEMON_DATA_FOLDER);
+        RemoveCopiedLinks(restorePath, suffix, kDaemonDataFolder);
     }
 
     // The clock comes from the dump folder of the same storage, not from the restore folder.
     // The file only ever holds the one number a dump wrote, so end-of-file is the loop's only
     // exit; the process's run-time limit covers a file that is not a number.
     struct timeval restoreTime = {0, 0};
-    FILE *fp = fopen((mountPath + DUMP_FOLDER + TIME_FILE).c_str(), "r");
+    FILE *fp = fopen((mountPath + kDumpFolder + kTimeFile).c_str(), "r");
     if (fp != nullptr) {
         while (fscanf(fp, "%ld", &restoreTime.tv_sec) != EOF)
             KELVO_UTIL_LOG("restore time is %ld", restoreTime.tv_sec);
@@ -197,7 +197,7 @@ bool KelvoUtilDataHandler::BackupData(std::string mountPath)
     if (!m_IsSafeMountPath(mountPath))
         return false;
 
-    const std::string dumpPath = mountPath + DUMP_FOLDER;
+    const std::string dumpPath = mountPath + kDumpFolder;
     PrepareDumpDBFolder(dumpPath);
     PrepareChannelDB();
     KELVO_UTIL_LOG("Start Dump Kelvo DB");
@@ -226,7 +226,7 @@ void KelvoUtilDataHandler::PrepareDumpDBFolder(std::string dumpPath)
 
     if (stat(dumpPath.c_str(), &st) == 0) {
         KELVO_UTIL_LOG("Dump db exist");
-        int ret = system((REMOVE_COMMAND + dumpPath + "/*;sync").c_str());
+        int ret = system((kRemoveCommand + dumpPath + "/*;sync").c_str());
         KELVO_UTIL_LOG("result_remove is %d", ret);
         // Dot-entries survive the pattern; none of them may redirect a later write.
         RemoveLinksBelow(dumpPath);
@@ -253,7 +253,7 @@ void KelvoUtilDataHandler::MakeTimestampFile(std::string dumpPath)
 {
     long long now = 0;
     GetCurrentTime(now);
-    FILE *fp = SafeFileOpen((dumpPath + TIME_FILE).c_str(), "w");
+    FILE *fp = SafeFileOpen((dumpPath + kTimeFile).c_str(), "w");
     if (fp != nullptr) {
         fprintf(fp, "%lld\n", now);
         fclose(fp);
@@ -295,12 +295,12 @@ bool KelvoUtilDataHandler::BackupTVSData(std::string dumpPath)
 
 bool KelvoUtilDataHandler::CopyFiles(std::string dumpPath)
 {
-    const std::string bases[] = {APP_DATA_ROOT, m_PlatformFolder(TZ_SYS_RW_APP), m_PlatformFolder(TZ_SYS_DB)};
+    const std::string bases[] = {kAppDataRoot, m_PlatformFolder(TZ_SYS_RW_APP), m_PlatformFolder(TZ_SYS_DB)};
 
     // Joined by ";", not "&&": a missing source must not stop the other copies.
     std::string line;
-    for (const CopySource &source : COPY_SOURCES)
-        line += COPY_COMMAND + bases[source.base] + source.text + dumpPath + ";";
+    for (const CopySource &source : kCopySources)
+        line += kCopyCommand + bases[source.base] + source.text + dumpPath + ";";
     line += "sync";
 
     int ret = system(line.c_str());
@@ -421,7 +421,7 @@ void KelvoUtilDataHandler::SaveProgramInfoFromMeta()
     for (auto &entry : programMap) {
         unsigned long long serviceId = 0;
         if (!pFinder->GetTCServiceIdByProgramSourceID(activity, entry.first, serviceId))
-            serviceId = UNKNOWN_SERVICE_ID;
+            serviceId = kUnknownServiceId;
         KELVO_UTIL_LOG("source Id : %s , tvsServiceId:%llu", entry.first.c_str(), serviceId);
         // Programmes of a source the match finder does not know are kept, under the all-ones id.
         for (FCRemoteProgram &program : entry.second) {

@@ -31,7 +31,7 @@ public:
     {
         std::string path;
         std::vector<TCStoredService> services;
-        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::SERVICE_DB_NAME, path) ||
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::kServiceDbName, path) ||
             !TCServiceDataStore::ReadServices(path, services))
             return -1;
         int found = 0;
@@ -58,8 +58,8 @@ public:
     {
         std::string services;
         std::string dump;
-        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::SERVICE_DB_NAME, services) ||
-            !PathUnder(TZ_SYS_RW_APP, TCServiceDataStore::CHANNEL_MAP_DUMP, dump))
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::kServiceDbName, services) ||
+            !PathUnder(TZ_SYS_RW_APP, TCServiceDataStore::kChannelMapDump, dump))
             return -1;
         return TCServiceDataStore::WriteChannelMapDump(services, dump) ? 1 : -1;
     }
@@ -73,7 +73,7 @@ public:
         std::string path;
         std::vector<TCStoredEvent> events;
         long long from = startTime;
-        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::GUIDE_DB_NAME, path) ||
+        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::kGuideDbName, path) ||
             !TCServiceDataStore::ReadEvents(path, serviceId, from, from + duration, events))
             return 0;
         for (const auto &e : events) {

@@ -10,13 +10,13 @@
 #include "TVServiceAPI.h"
 
 namespace {
-const char *const SERVICE_SCHEMA =
+const char *const kServiceSchema =
     "CREATE TABLE service("
     "row INTEGER PRIMARY KEY, name TEXT, service_type INTEGER, source INTEGER, onid INTEGER, "
     "tsid INTEGER, program_number INTEGER, rf INTEGER, service_id INTEGER, major INTEGER, "
     "minor INTEGER, chmap_index INTEGER);";
 
-const char *const GUIDE_SCHEMA =
+const char *const kGuideSchema =
     "CREATE TABLE event("
     "service_id INTEGER, event_id INTEGER, start_time INTEGER, duration INTEGER, language TEXT, "
     "title TEXT, extended_text TEXT, PRIMARY KEY(service_id, event_id));"
@@ -111,7 +111,7 @@ bool TCServiceDataStore::m_CreateFresh(const std::string &path, const char *sche
 bool TCServiceDataStore::WriteServices(const std::string &path, const std::vector<TCStoredService> &services)
 {
     Connection c;
-    if (!m_CreateFresh(path, SERVICE_SCHEMA, &c.db))
+    if (!m_CreateFresh(path, kServiceSchema, &c.db))
         return false;
     std::string sql = "INSERT INTO service(name";
     std::string values = "?";
@@ -143,7 +143,7 @@ bool TCServiceDataStore::WriteServices(const std::string &path, const std::vecto
 bool TCServiceDataStore::WriteGuide(const std::string &path, const std::vector<TCStoredEvent> &events)
 {
     Connection c;
-    if (!m_CreateFresh(path, GUIDE_SCHEMA, &c.db))
+    if (!m_CreateFresh(path, kGuideSchema, &c.db))
         return false;
     const char *sql =
         "INSERT OR REPLACE INTO event(service_id, event_id, start_time, duration, language, title, extended_text) "

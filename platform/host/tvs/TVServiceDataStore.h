@@ -49,9 +49,9 @@ struct TCStoredEvent {
 
 class TCServiceDataStore {
 public:
-    static constexpr const char *SERVICE_DB_NAME = "db-tvs-service.db";
-    static constexpr const char *GUIDE_DB_NAME = "db-tvs-epg.db";
-    static constexpr const char *CHANNEL_MAP_DUMP = "tvs-chms/data/CHMS_Memory_Dump.sqlite";
+    static constexpr const char *kServiceDbName = "db-tvs-service.db";
+    static constexpr const char *kGuideDbName = "db-tvs-epg.db";
+    static constexpr const char *kChannelMapDump = "tvs-chms/data/CHMS_Memory_Dump.sqlite";
 
     // The tag numbers the store keeps, with their column names, in column order.
     static const std::vector<std::pair<int, const char *>> &Tags();
