@@ -8,7 +8,10 @@
 namespace {
 const char *const kTables[] = {"programRF", "programMETA"};
 
-std::vector<std::vector<KelvoBenchCell>> &Of(KelvoBenchRows &rows, int table) { return table == 0 ? rows.rf : rows.meta; }
+std::vector<std::vector<KelvoBenchCell>> &Of(KelvoBenchRows &rows, int table)
+{
+    return table == 0 ? rows.rf : rows.meta;
+}
 const std::vector<std::vector<KelvoBenchCell>> &Of(const KelvoBenchRows &rows, int table)
 {
     return table == 0 ? rows.rf : rows.meta;
@@ -67,7 +70,8 @@ double KelvoBenchSqlite::BulkInsert(const std::string &path, const KelvoBenchRow
                 else if (cell.type == SQLITE_NULL)
                     sqlite3_bind_null(stmt, c + 1);
                 else
-                    sqlite3_bind_text(stmt, c + 1, cell.text.c_str(), static_cast<int>(cell.text.size()), SQLITE_STATIC);
+                    sqlite3_bind_text(stmt, c + 1, cell.text.c_str(), static_cast<int>(cell.text.size()),
+                                      SQLITE_STATIC);
             }
             ok = sqlite3_step(stmt) == SQLITE_DONE;
             sqlite3_reset(stmt);

@@ -121,9 +121,9 @@ DumpRun RunDump()
     fs::remove_all(stick);
     fs::create_directories(stick);
     fs::create_directories(out);
-    std::vector<std::string> argv = {KELVO_TV,      "run",   "--build-dir", KELVO_BUILD_DIR, "--tv",
-                                     tv,            "--stick", stick,       "--out",         out,
-                                     "--fixture",   g_work + "/fixture.json", "--timeout", "300"};
+    std::vector<std::string> argv = {
+        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,          "--tv",      tv,   "--stick", stick,
+        "--out",  out,   "--fixture",   g_work + "/fixture.json", "--timeout", "300"};
     int pipeFd[2];
     if (pipe(pipeFd) != 0)
         return run;

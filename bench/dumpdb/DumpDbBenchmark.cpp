@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "FCElementData.h"
-#include "TVServiceAPI.h"
 #include "SqliteBulkInsert.h"
+#include "TVServiceAPI.h"
 #include "databaseHelper.h"
 
 namespace {
@@ -128,8 +128,14 @@ void BM_DumpDatabase(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * kRows);
 }
 
-KelvoBenchCell Integer(long long value) { return {SQLITE_INTEGER, value, 0, ""}; }
-KelvoBenchCell Text(const std::string &value) { return {SQLITE_TEXT, 0, 0, value}; }
+KelvoBenchCell Integer(long long value)
+{
+    return {SQLITE_INTEGER, value, 0, ""};
+}
+KelvoBenchCell Text(const std::string &value)
+{
+    return {SQLITE_TEXT, 0, 0, value};
+}
 
 // The same rows as cells of the two tables, for SQLite's own bulk insert.
 const KelvoBenchRows &TheCells()
@@ -138,9 +144,9 @@ const KelvoBenchRows &TheCells()
         KelvoBenchRows c;
         for (const KelvoUtilProgramData &r : TheRows().rf)
             c.rf.push_back({Integer(static_cast<long long>(r.ServiceId())), Integer(r.EventId()),
-                            Integer(static_cast<long long>(r.Starttime())), Integer(static_cast<long long>(r.Duration())),
-                            Text(r.Language()), Integer(r.TSID()), Integer(r.ONID()), Text(r.Title()),
-                            Text(r.Description())});
+                            Integer(static_cast<long long>(r.Starttime())),
+                            Integer(static_cast<long long>(r.Duration())), Text(r.Language()), Integer(r.TSID()),
+                            Integer(r.ONID()), Text(r.Title()), Text(r.Description())});
         for (const KelvoUtilProgramData &m : TheRows().meta)
             c.meta.push_back({Integer(static_cast<long long>(m.ServiceId())), Integer(m.ActivityId()),
                               Text(m.ProgramSourceId()), Text(m.MetaProgramId()),
@@ -170,7 +176,8 @@ public:
     {
         for (const Run &run : runs) {
             if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-                secondsPerIteration[run.run_name.function_name] = run.real_accumulated_time / static_cast<double>(run.iterations);
+                secondsPerIteration[run.run_name.function_name] =
+                    run.real_accumulated_time / static_cast<double>(run.iterations);
             }
         }
         ConsoleReporter::ReportRuns(runs);
@@ -181,8 +188,12 @@ public:
 
 int main(int argc, char **argv)
 {
-    benchmark::RegisterBenchmark("DumpDatabase/100000rows", BM_DumpDatabase)->Unit(benchmark::kMillisecond)->Iterations(3);
-    benchmark::RegisterBenchmark("SqliteLimit/100000rows", BM_SqliteLimit)->Unit(benchmark::kMillisecond)->Iterations(3);
+    benchmark::RegisterBenchmark("DumpDatabase/100000rows", BM_DumpDatabase)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(3);
+    benchmark::RegisterBenchmark("SqliteLimit/100000rows", BM_SqliteLimit)
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(3);
     benchmark::Initialize(&argc, argv);
 
     // Building and writing rows logs through dlog, which on this host writes lines to standard

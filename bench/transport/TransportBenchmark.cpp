@@ -33,13 +33,14 @@ const int kRounds = 3;
 const int kPairs = 20000;
 const int kSources = 500;
 const int kProgrammesPerSource = 100;  // 50 000 in all
-const char* const kArgument = R"({"activityID":0,"program source id":"S1"})";
+const char *const kArgument = R"({"activityID":0,"program source id":"S1"})";
 
-KelvoTestBus* g_bus = nullptr;
-sd_bus* g_bare = nullptr;
+KelvoTestBus *g_bus = nullptr;
+sd_bus *g_bare = nullptr;
 std::string g_programMapReply;
 
-bool ProxyCall() {
+bool ProxyCall()
+{
     static FCMatchFinder_Proxy finder;
     unsigned long long service = 0;
     bool ok = finder.GetTCServiceIdByProgramSourceID(REMOTE_CONTENT_ACTIVITY_MAIN, "S1", service);
@@ -47,46 +48,55 @@ bool ProxyCall() {
     return ok && service == 4294967296001ULL;
 }
 
-bool BareCall() {
-    sd_bus_message* reply = nullptr;
+bool BareCall()
+{
+    sd_bus_message *reply = nullptr;
     sd_bus_error error = SD_BUS_ERROR_NULL;
-    const char* text = nullptr;
+    const char *text = nullptr;
     int r = sd_bus_call_method(g_bare, "com.halvorn.tv.KelvoDaemon", "/com/halvorn/tv/KelvoDaemon",
                                "com.halvorn.tv.KelvoDaemon.Provider", "GetTCServiceIdByProgramSourceID", &error, &reply,
                                "s", kArgument);
-    if (r >= 0) r = sd_bus_message_read(reply, "s", &text);
+    if (r >= 0)
+        r = sd_bus_message_read(reply, "s", &text);
     benchmark::DoNotOptimize(text);
     sd_bus_error_free(&error);
     sd_bus_message_unref(reply);
     return r >= 0;
 }
 
-void BM_ProxyCall(benchmark::State& state) {
+void BM_ProxyCall(benchmark::State &state)
+{
     for (auto _ : state) {
-        if (!ProxyCall()) state.SkipWithError("wrong answer");
+        if (!ProxyCall())
+            state.SkipWithError("wrong answer");
     }
 }
 
-void BM_BareSdBusCall(benchmark::State& state) {
+void BM_BareSdBusCall(benchmark::State &state)
+{
     for (auto _ : state) {
-        if (!BareCall()) state.SkipWithError("bare call failed");
+        if (!BareCall())
+            state.SkipWithError("bare call failed");
     }
 }
 
 // The ratio of the round trips comes from calls made in pairs, one of each kind in turn, so that
 // both see the same load of the machine; the medians keep a stalled call from weighing in.
-double PairedCallRatio(int pairs, double& proxyMedian, double& bareMedian) {
+double PairedCallRatio(int pairs, double &proxyMedian, double &bareMedian)
+{
     std::vector<double> proxy, bare;
     for (int i = 0; i < pairs; ++i) {
         auto t0 = std::chrono::steady_clock::now();
-        if (!ProxyCall()) return 0;
+        if (!ProxyCall())
+            return 0;
         auto t1 = std::chrono::steady_clock::now();
-        if (!BareCall()) return 0;
+        if (!BareCall())
+            return 0;
         auto t2 = std::chrono::steady_clock::now();
         proxy.push_back(std::chrono::duration<double>(t1 - t0).count());
         bare.push_back(std::chrono::duration<double>(t2 - t1).count());
     }
-    auto median = [](std::vector<double>& v) {
+    auto median = [](std::vector<double> &v) {
         std::nth_element(v.begin(), v.begin() + v.size() / 2, v.end());
         return v[v.size() / 2];
     };
@@ -95,35 +105,40 @@ double PairedCallRatio(int pairs, double& proxyMedian, double& bareMedian) {
     return bareMedian > 0 ? proxyMedian / bareMedian : 0;
 }
 
-void BM_ProgramMapDecode(benchmark::State& state) {
+void BM_ProgramMapDecode(benchmark::State &state)
+{
     for (auto _ : state) {
         Json::Value reply;
         std::map<std::string, std::vector<FCRemoteProgram>> map;
         FCJsonHelper::ParseToJson(g_programMapReply, reply);
         FCMarshal::JsonToProgramMap(reply, map);
-        if (map.size() != static_cast<size_t>(kSources)) state.SkipWithError("wrong map");
+        if (map.size() != static_cast<size_t>(kSources))
+            state.SkipWithError("wrong map");
         benchmark::DoNotOptimize(map);
     }
 }
 
-void BM_JsoncppParse(benchmark::State& state) {
+void BM_JsoncppParse(benchmark::State &state)
+{
     Json::CharReaderBuilder builder;
     for (auto _ : state) {
         Json::Value reply;
         std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
         bool ok = reader->parse(g_programMapReply.data(), g_programMapReply.data() + g_programMapReply.size(), &reply,
                                 nullptr);
-        if (!ok) state.SkipWithError("parse failed");
+        if (!ok)
+            state.SkipWithError("parse failed");
         benchmark::DoNotOptimize(reply);
     }
 }
 
 // A reply as the daemon sends it: every member of every programme filled.
-std::string ProgramMapReply() {
+std::string ProgramMapReply()
+{
     std::map<std::string, std::vector<FCRemoteProgram>> map;
     for (int s = 0; s < kSources; ++s) {
         std::string source = "src-" + std::to_string(100000 + s);
-        auto& programmes = map[source];
+        auto &programmes = map[source];
         for (int p = 0; p < kProgrammesPerSource; ++p) {
             FCRemoteProgram program;
             program.m_programSourceId = source;
@@ -160,9 +175,11 @@ public:
     // Best seconds per iteration of each benchmark over its rounds, by its name without the round.
     std::map<std::string, double> best;
 
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.iterations <= 0 || run.error_occurred) continue;
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        for (const Run &run : runs) {
+            if (run.run_type != Run::RT_Iteration || run.iterations <= 0 || run.error_occurred)
+                continue;
             std::string name = run.run_name.function_name;
             name = name.substr(0, name.find('#'));
             // The round trips involve other processes and count in wall time; decoding is this
@@ -172,19 +189,23 @@ public:
             double total = ownWork ? run.cpu_accumulated_time : run.real_accumulated_time;
             double seconds = total / static_cast<double>(run.iterations);
             auto it = best.find(name);
-            if (it == best.end() || seconds < it->second) best[name] = seconds;
+            if (it == best.end() || seconds < it->second)
+                best[name] = seconds;
         }
         ConsoleReporter::ReportRuns(runs);
     }
 };
 
-bool StartBare(const std::string& address) {
-    if (sd_bus_new(&g_bare) < 0) return false;
+bool StartBare(const std::string &address)
+{
+    if (sd_bus_new(&g_bare) < 0)
+        return false;
     return sd_bus_set_address(g_bare, address.c_str()) >= 0 && sd_bus_set_bus_client(g_bare, 1) >= 0 &&
            sd_bus_start(g_bare) >= 0;
 }
 
-void Ratio(const char* name, SummaryReporter& reporter, const char* ours, const char* limit) {
+void Ratio(const char *name, SummaryReporter &reporter, const char *ours, const char *limit)
+{
     double a = reporter.best.count(ours) ? reporter.best[ours] : 0;
     double b = reporter.best.count(limit) ? reporter.best[limit] : 0;
     if (a <= 0 || b <= 0) {
@@ -197,7 +218,8 @@ void Ratio(const char* name, SummaryReporter& reporter, const char* ours, const 
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char **argv)
+{
     g_bus = new KelvoTestBus(R"({"sourceToService": {"S1": "4294967296001"}})");
     if (!g_bus->Ready() || !StartBare(g_bus->Address())) {
         std::printf("RATIO proxy_call unavailable\nRATIO programmap_decode unavailable\n");
@@ -209,13 +231,21 @@ int main(int argc, char** argv) {
 
     for (int round = 0; round < kRounds; ++round) {
         std::string suffix = "#" + std::to_string(round);
-        benchmark::RegisterBenchmark(("ProxyCall" + suffix).c_str(), BM_ProxyCall)->MinTime(0.5)->Unit(benchmark::kMicrosecond);
-        benchmark::RegisterBenchmark(("BareSdBusCall" + suffix).c_str(), BM_BareSdBusCall)->MinTime(0.5)->Unit(benchmark::kMicrosecond);
+        benchmark::RegisterBenchmark(("ProxyCall" + suffix).c_str(), BM_ProxyCall)
+            ->MinTime(0.5)
+            ->Unit(benchmark::kMicrosecond);
+        benchmark::RegisterBenchmark(("BareSdBusCall" + suffix).c_str(), BM_BareSdBusCall)
+            ->MinTime(0.5)
+            ->Unit(benchmark::kMicrosecond);
     }
     for (int round = 0; round < kRounds; ++round) {
         std::string suffix = "#" + std::to_string(round);
-        benchmark::RegisterBenchmark(("ProgramMapDecode" + suffix).c_str(), BM_ProgramMapDecode)->Iterations(3)->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark(("JsoncppParse" + suffix).c_str(), BM_JsoncppParse)->Iterations(3)->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("ProgramMapDecode" + suffix).c_str(), BM_ProgramMapDecode)
+            ->Iterations(3)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark(("JsoncppParse" + suffix).c_str(), BM_JsoncppParse)
+            ->Iterations(3)
+            ->Unit(benchmark::kMillisecond);
     }
     benchmark::Initialize(&argc, argv);
 

@@ -14,19 +14,29 @@ namespace {
 char PriorityLetter(int prio)
 {
     switch (prio) {
-    case DLOG_VERBOSE: return 'V';
-    case DLOG_DEBUG: return 'D';
-    case DLOG_INFO: return 'I';
-    case DLOG_WARN: return 'W';
-    case DLOG_ERROR: return 'E';
-    case DLOG_FATAL: return 'F';
-    default: return '?';
+    case DLOG_VERBOSE:
+        return 'V';
+    case DLOG_DEBUG:
+        return 'D';
+    case DLOG_INFO:
+        return 'I';
+    case DLOG_WARN:
+        return 'W';
+    case DLOG_ERROR:
+        return 'E';
+    case DLOG_FATAL:
+        return 'F';
+    default:
+        return '?';
     }
 }
 
 // getpid() is a system call on every call; the value changes only in a forked child.
 pid_t g_pid = 0;
-void ForgetPid() { g_pid = 0; }
+void ForgetPid()
+{
+    g_pid = 0;
+}
 pid_t CachedPid()
 {
     static const int registered = pthread_atfork(nullptr, nullptr, ForgetPid);

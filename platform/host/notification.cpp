@@ -109,8 +109,8 @@ extern "C" int notification_post(notification_h noti)
     sd_bus_error error = SD_BUS_ERROR_NULL;
     sd_bus_message *reply = nullptr;
     int r = sd_bus_call_method(bus, "org.freedesktop.Notifications", "/org/freedesktop/Notifications",
-                               "org.freedesktop.Notifications", "Notify", &error, &reply, "susssasa{sv}i",
-                               AppName(), 0u, "", noti->title.c_str(), noti->content.c_str(), 0, 0, expireMs);
+                               "org.freedesktop.Notifications", "Notify", &error, &reply, "susssasa{sv}i", AppName(),
+                               0u, "", noti->title.c_str(), noti->content.c_str(), 0, 0, expireMs);
     const bool replied = sd_bus_error_is_set(&error);
     sd_bus_error_free(&error);
     sd_bus_message_unref(reply);

@@ -114,8 +114,7 @@ bool FromMountTable(std::vector<FoundDevice> &devices)
         std::string id, parent, majorMinor, root, mountPoint, field;
         if (!(fields >> id >> parent >> majorMinor >> root >> mountPoint))
             continue;
-        while (fields >> field && field != "-") {
-        }
+        while (fields >> field && field != "-") {}
         std::string fsType, source;
         fields >> fsType >> source;
         bool known = false;
@@ -146,7 +145,10 @@ int Scan(std::vector<FoundDevice> &devices)
 }
 }  // namespace
 
-extern "C" int usb_device_init(void) { return USB_ERROR_NO_ERROR; }
+extern "C" int usb_device_init(void)
+{
+    return USB_ERROR_NO_ERROR;
+}
 
 extern "C" int usb_get_connected_device_number(int device_class)
 {

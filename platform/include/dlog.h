@@ -19,17 +19,9 @@ typedef enum {
     DLOG_PRIO_MAX
 } log_priority;
 
-typedef enum {
-    LOG_ID_INVALID = -1,
-    LOG_ID_MAIN,
-    LOG_ID_RADIO,
-    LOG_ID_SYSTEM,
-    LOG_ID_APPS,
-    LOG_ID_MAX
-} log_id_t;
+typedef enum { LOG_ID_INVALID = -1, LOG_ID_MAIN, LOG_ID_RADIO, LOG_ID_SYSTEM, LOG_ID_APPS, LOG_ID_MAX } log_id_t;
 
-int dlog_print(log_priority prio, const char *tag, const char *fmt, ...)
-    __attribute__((format(printf, 3, 4)));
+int dlog_print(log_priority prio, const char *tag, const char *fmt, ...) __attribute__((format(printf, 3, 4)));
 int __dlog_print(log_id_t log_id, int prio, const char *tag, const char *fmt, ...)
     __attribute__((format(printf, 4, 5)));
 

@@ -10,11 +10,7 @@ extern "C" {
 
 typedef struct _notification *notification_h;
 
-typedef enum {
-    NOTIFICATION_TYPE_NONE = -1,
-    NOTIFICATION_TYPE_NOTI = 0,
-    NOTIFICATION_TYPE_ONGOING
-} notification_type_e;
+typedef enum { NOTIFICATION_TYPE_NONE = -1, NOTIFICATION_TYPE_NOTI = 0, NOTIFICATION_TYPE_ONGOING } notification_type_e;
 
 typedef enum {
     NOTIFICATION_TEXT_TYPE_NONE = -1,
@@ -47,8 +43,8 @@ typedef enum {
 
 notification_h notification_create(notification_type_e type);
 /* The variable list after `key` ends with NOTIFICATION_VARIABLE_TYPE_NONE. */
-int notification_set_text(notification_h noti, notification_text_type_e type, const char *text,
-                          const char *key, int args_type, ...);
+int notification_set_text(notification_h noti, notification_text_type_e type, const char *text, const char *key,
+                          int args_type, ...);
 int notification_set_display_applist(notification_h noti, int applist);
 int notification_set_auto_remove(notification_h noti, bool auto_remove);
 int notification_set_hide_timeout(notification_h noti, int timeout);

@@ -8,8 +8,8 @@ extern "C" {
 
 /* Only the variables this system reads are named; the numbers are the platform's. */
 enum tzplatform_variable {
-    TZ_SYS_DB = 5,       /* platform database folder, e.g. /opt/dbspace */
-    TZ_SYS_RW_APP = 27,  /* TV services' data root, e.g. /opt/usr/globalapps */
+    TZ_SYS_DB = 5,      /* platform database folder, e.g. /opt/dbspace */
+    TZ_SYS_RW_APP = 27, /* TV services' data root, e.g. /opt/usr/globalapps */
     TZPLATFORM_VARIABLE_MAX = 64
 };
 

@@ -16,9 +16,7 @@ typedef enum {
     USB_ERROR_OPERATION_FAILED = -1
 } usb_error_e;
 
-typedef enum {
-    USB_MASS_STORAGE = 8
-} usb_device_class_e;
+typedef enum { USB_MASS_STORAGE = 8 } usb_device_class_e;
 
 int usb_device_init(void);
 /* Number of connected devices of the class; negative on error. */

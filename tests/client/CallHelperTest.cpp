@@ -16,11 +16,17 @@
 TEST(CallHelper, ArgumentTravelsCompactAndEachOutcomeReturnsAndLogsAsItShould)
 {
     // logged: the one message after the prefix, or null for none.
-    const struct { FakeCall::Answer answer; bool ok; const char *logged; } cases[] = {
+    const struct {
+        FakeCall::Answer answer;
+        bool ok;
+        const char *logged;
+    } cases[] = {
         {FakeCall::Answer::Text("{\"ret\": true, \"n\": 3}"), true, nullptr},
         {FakeCall::Answer::Null(), false, nullptr},
-        {FakeCall::Answer::Failed(), false, "DBG_LV[0][FCVirtualChannels_Proxy::Probe] fail to communicate using d-bus\n"},
-        {FakeCall::Answer::Text("<html>"), false, "DBG_LV[0][FCVirtualChannels_Proxy::Probe] fail to parse json data\n"},
+        {FakeCall::Answer::Failed(), false,
+         "DBG_LV[0][FCVirtualChannels_Proxy::Probe] fail to communicate using d-bus\n"},
+        {FakeCall::Answer::Text("<html>"), false,
+         "DBG_LV[0][FCVirtualChannels_Proxy::Probe] fail to parse json data\n"},
     };
     Json::Value argument, out;
     ASSERT_TRUE(FCJsonHelper::ParseToJson(R"({"activityID":0,"nested":{"list":["a b"]}})", argument));
@@ -33,13 +39,17 @@ TEST(CallHelper, ArgumentTravelsCompactAndEachOutcomeReturnsAndLogsAsItShould)
         out["before"] = 1;
         EXPECT_EQ(FCCallHelper::RemoteCallWithJsonArguments("Probe", argument, out), c.ok);
         // A reply that fails to parse may leave anything; otherwise out holds the reply or is unchanged.
-        EXPECT_TRUE((!c.ok && c.answer.kind == FakeCall::Answer::Reply) || out[c.ok ? "n" : "before"] == (c.ok ? 3 : 1));
-        EXPECT_EQ(FakeCall::Arguments("Probe"), std::vector<std::string>{R"({"activityID":0,"nested":{"list":["a b"]}})"});
-        EXPECT_EQ(FakeDlog::Messages("kelvo-dbus-proxy"), c.logged ? std::vector<std::string>{c.logged} : std::vector<std::string>{});
+        EXPECT_TRUE((!c.ok && c.answer.kind == FakeCall::Answer::Reply) ||
+                    out[c.ok ? "n" : "before"] == (c.ok ? 3 : 1));
+        EXPECT_EQ(FakeCall::Arguments("Probe"),
+                  std::vector<std::string>{R"({"activityID":0,"nested":{"list":["a b"]}})"});
+        EXPECT_EQ(FakeDlog::Messages("kelvo-dbus-proxy"),
+                  c.logged ? std::vector<std::string>{c.logged} : std::vector<std::string>{});
         EXPECT_EQ(FakeCall::Outstanding(), 0) << "a call result was not released";
 
         std::string text = "unchanged";
-        EXPECT_EQ(FCCallHelper::RemoteCallWithStringArguments("Probe", "raw text", text), c.answer.kind == FakeCall::Answer::Reply);
+        EXPECT_EQ(FCCallHelper::RemoteCallWithStringArguments("Probe", "raw text", text),
+                  c.answer.kind == FakeCall::Answer::Reply);
         EXPECT_EQ(text, c.answer.kind == FakeCall::Answer::Reply ? c.answer.text : "unchanged");
         EXPECT_EQ(FakeCall::Arguments("Probe").back(), "raw text");
     }
@@ -48,13 +58,15 @@ TEST(CallHelper, ArgumentTravelsCompactAndEachOutcomeReturnsAndLogsAsItShould)
 TEST(JsonHelper, YesNoRepliesMergeAndFilter)
 {
     FakeDlog::Clear();
-    for (std::string no : {"{\"ret\":false}", "{\"other\":1}", "[true]", "7", "\"ret\"", "{\"ret\":\"yes\"}", "{\"ret\":{}}", "null"})
+    for (std::string no :
+         {"{\"ret\":false}", "{\"other\":1}", "[true]", "7", "\"ret\"", "{\"ret\":\"yes\"}", "{\"ret\":{}}", "null"})
         EXPECT_FALSE(FCJsonHelper::ParseReturnBoolean(no)) << no;
     std::string yes = "{\"ret\":true}", broken = "{";
     EXPECT_TRUE(FCJsonHelper::ParseReturnBoolean(yes) && FakeDlog::Lines().empty());
     EXPECT_FALSE(FCJsonHelper::ParseReturnBoolean(broken));
     ASSERT_EQ(FakeDlog::Messages().size(), 1u);
-    EXPECT_NE(FakeDlog::Messages()[0].find("[FCJsonHelper::ParseReturnBoolean] fail to parse json output data"), std::string::npos);
+    EXPECT_NE(FakeDlog::Messages()[0].find("[FCJsonHelper::ParseReturnBoolean] fail to parse json output data"),
+              std::string::npos);
 
     Json::Value target;
     EXPECT_TRUE(FCJsonHelper::AppendMetaDataToGivenJson("[1,2]", target) && target.isNull());
@@ -74,7 +86,10 @@ namespace {
 template <typename In, typename T>
 std::function<void(Json::Value &)> Into(bool (*reader)(In &, T &))
 {
-    return [reader](Json::Value &in) { T out{}; reader(in, out); };
+    return [reader](Json::Value &in) {
+        T out{};
+        reader(in, out);
+    };
 }
 
 }  // namespace
@@ -82,17 +97,23 @@ std::function<void(Json::Value &)> Into(bool (*reader)(In &, T &))
 TEST(HostileReply, ReadersFailCleanlyOrRaiseOnlyJsoncppErrors)
 {
     const bool Raises = true, Clean = false;
-    const struct { std::string reply; std::function<void(Json::Value &)> read; bool raises; } cases[] = {
+    const struct {
+        std::string reply;
+        std::function<void(Json::Value &)> read;
+        bool raises;
+    } cases[] = {
         {R"({"channel_array":{"a":1,"b":2}})", Into(FCMarshal::JsonToChannelList), Clean},
         {R"({"channel_array":5})", Into(FCMarshal::JsonToChannelList), Clean},
         {R"([{"str_major":"1"}])", Into(FCMarshal::JsonToChannelList), Clean},
         {R"({"channel_array":["x"]})", Into(FCMarshal::JsonToChannelList), Raises},
-        {R"({"out_mapProgramWithSourceID":[{"program_source_id":"s","program_array":"x"}]})", Into(FCMarshal::JsonToProgramMap), Clean},
+        {R"({"out_mapProgramWithSourceID":[{"program_source_id":"s","program_array":"x"}]})",
+         Into(FCMarshal::JsonToProgramMap), Clean},
         {R"({"out_mapProgramWithSourceID":{"s":{"program_array":[{}]}}})", Into(FCMarshal::JsonToProgramMap), Clean},
         {R"({"meta_program_map":[{"key":-1}]})", Into(FCMarshal::JsonToMetaProgramMap), Raises},
         {R"({"array_genre":[1,2]})", Into(FCMarshal::JsonToGenreList), Raises},
         {R"({"service_list":{"TCServiceId":"1"}})", Into(FCMarshal::JsonToServiceIDList), Clean},
-        {R"({"service_list":[{"TCServiceId":")" + std::string(5000, '9') + R"("}]})", Into(FCMarshal::JsonToServiceIDList), Clean},
+        {R"({"service_list":[{"TCServiceId":")" + std::string(5000, '9') + R"("}]})",
+         Into(FCMarshal::JsonToServiceIDList), Clean},
         {R"({"TCServiceId":5})", Into(FCMarshal::VCJsonToServiceId), Raises},
         {R"({"ratings":{"rating":1}})", Into(FCMarshal::JsonToRatingList), Clean},
         {R"({"count":"12"})", Into(FCMarshal::JsonToCount), Raises},

@@ -22,7 +22,10 @@ namespace {
 const int kRowsWhileFull = 6000;
 const int kRowsAfterSpaceReturns = 1500;
 
-bool WriteFile(const std::string &path, const std::string &text) { return static_cast<bool>(std::ofstream(path) << text); }
+bool WriteFile(const std::string &path, const std::string &text)
+{
+    return static_cast<bool>(std::ofstream(path) << text);
+}
 
 // Enters a private user and mount namespace and mounts a 2 MiB tmpfs on `folder`; on failure
 // returns why.
@@ -59,7 +62,8 @@ void RunScenario(const std::string &out)
         if (i == kRowsWhileFull)
             unlink((folder + "/filler").c_str());
         const bool full = i < kRowsWhileFull;
-        helper.InsertProgramRF(RfRow((full ? "full " : "free ") + std::to_string(full ? i : i - kRowsWhileFull), std::u16string(280, u'd')));
+        helper.InsertProgramRF(RfRow((full ? "full " : "free ") + std::to_string(full ? i : i - kRowsWhileFull),
+                                     std::u16string(280, u'd')));
     }
     helper.CloseDB();
     std::ofstream log(out + "/log");

@@ -38,24 +38,41 @@ TEST_F(DatabaseHelper, FileReadsBackWithTheCommandLineClient)
               "starttime integer, duration integer, language text, title text, descript text);\n");
     EXPECT_EQ(RunSqliteCli(m_helper.DbPath(), "SELECT * FROM programRF ORDER BY rowid"),
               "1234605616436508552|7|1700000000|3600|eng|0|0|Bob\"s|it\"s 100% live\n"
-              "1234605616436508552|4711|1700000000|3600|eng|0|0|\xC3\x9C" "ber \xEB\x89\xB4\xEC\x8A\xA4 "
+              "1234605616436508552|4711|1700000000|3600|eng|0|0|\xC3\x9C"
+              "ber \xEB\x89\xB4\xEC\x8A\xA4 "
               "\xF0\x9F\x8E\xB5|\xE6\x96\xB0\xE9\x97\xBB\n");
     EXPECT_EQ(RunSqliteCli(m_helper.DbPath(), "SELECT * FROM programMETA"),
               "42|5|src\"1|prog-9|1700003600|1800|eng|Bob\"s|100% sure\n");
-    EXPECT_EQ(RunSqliteCli(m_helper.DbPath(),
-                           "SELECT typeof(serviceId), typeof(actId), typeof(metaSrcId), typeof(title) FROM programMETA"),
-              "integer|integer|text|text\n");
+    EXPECT_EQ(
+        RunSqliteCli(m_helper.DbPath(),
+                     "SELECT typeof(serviceId), typeof(actId), typeof(metaSrcId), typeof(title) FROM programMETA"),
+        "integer|integer|text|text\n");
 }
 
 // A title is broadcast or server text. Each conversion is consumed without reading an argument
 // that does not exist (ASan and UBSan builds run this too); "%%" still arrives as "%".
 TEST_F(DatabaseHelper, ConversionsInTitlesAreConsumedWithoutReadingArguments)
 {
-    const struct { const char *title; const char *stored; } cases[] = {
-        {"plain", "plain"}, {"100%%", "100%"}, {"%%s and %%n", "%s and %n"}, {"%%%s", "%"}, {"a%sb", "ab"},
-        {"%d%i%u%x%X%o%c%p", ""}, {"x%ny%n", "xy"}, {"%q%Q%w%z", ""}, {"%f%e%g%G%E", ""},
-        {"%lld|%llu|%ld|%lx", "|||"}, {"%1$s", "s"}, {"%*d|%.*s|%-*.*s|%*.*lld", "|||"},
-        {"%10.5s|%-20s|%+d|%#x|%!.3f|%,d|%05d", "||||||"}, {"100% sure", "100ure"}, {"%5%", ""}, {"%T%S%r", ""},
+    const struct {
+        const char *title;
+        const char *stored;
+    } cases[] = {
+        {"plain", "plain"},
+        {"100%%", "100%"},
+        {"%%s and %%n", "%s and %n"},
+        {"%%%s", "%"},
+        {"a%sb", "ab"},
+        {"%d%i%u%x%X%o%c%p", ""},
+        {"x%ny%n", "xy"},
+        {"%q%Q%w%z", ""},
+        {"%f%e%g%G%E", ""},
+        {"%lld|%llu|%ld|%lx", "|||"},
+        {"%1$s", "s"},
+        {"%*d|%.*s|%-*.*s|%*.*lld", "|||"},
+        {"%10.5s|%-20s|%+d|%#x|%!.3f|%,d|%05d", "||||||"},
+        {"100% sure", "100ure"},
+        {"%5%", ""},
+        {"%T%S%r", ""},
     };
     Texts expected;
     m_helper.OpenDB();
@@ -88,7 +105,8 @@ TEST_F(DatabaseHelper, AFailedStatementLosesItsRowOnly)
     m_helper.CloseDB();
     EXPECT_EQ(Titles("programRF"), (Texts{"before", "after"}));
     EXPECT_TRUE(Titles("programMETA").empty());
-    EXPECT_EQ(LoggedFailures({"end", "Insert error"}), (Texts{"end", "Insert error, ret:1", "Insert error, ret:1", "end"}));
+    EXPECT_EQ(LoggedFailures({"end", "Insert error"}),
+              (Texts{"end", "Insert error, ret:1", "Insert error, ret:1", "end"}));
 
     const int kRows = 5003;
     m_helper.OpenDB();
@@ -145,7 +163,8 @@ TEST_F(DatabaseHelper, FailedProgramRfCreateSkipsProgramMeta)
     const std::string path = m_temp.Path() + "/old.db";
     sqlite3 *db = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &db), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(db, "CREATE TABLE x(a); CREATE INDEX programRF ON x(a);", nullptr, nullptr, nullptr), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(db, "CREATE TABLE x(a); CREATE INDEX programRF ON x(a);", nullptr, nullptr, nullptr),
+              SQLITE_OK);
     sqlite3_close(db);
 
     RelocatedDatabaseHelper helper(m_temp.Path() + "/made", path);
@@ -154,7 +173,8 @@ TEST_F(DatabaseHelper, FailedProgramRfCreateSkipsProgramMeta)
     helper.InsertProgramMeta(MetaRow("lost"));
     helper.CloseDB();
     EXPECT_EQ(LoggedFailures(), (Texts{"fail to sqlite3_exec - error:1", "Insert error, ret:1"}));
-    EXPECT_EQ(QueryRows(path, "SELECT type || ' ' || name FROM sqlite_master ORDER BY name"), (Texts{"index programRF", "table x"}));
+    EXPECT_EQ(QueryRows(path, "SELECT type || ' ' || name FROM sqlite_master ORDER BY name"),
+              (Texts{"index programRF", "table x"}));
 }
 
 }  // namespace

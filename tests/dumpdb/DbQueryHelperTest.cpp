@@ -13,29 +13,42 @@ using Q = KelvoUtilDbQueryHelper;
 
 enum class Kind { U64, U32, U16, Text };
 
-struct ColumnCase { Q::EColumn column; const char *name; Kind accepted; };
+struct ColumnCase {
+    Q::EColumn column;
+    const char *name;
+    Kind accepted;
+};
 
 const ColumnCase kColumns[] = {
-    {Q::COLUMN_SERVICE_ID, "serviceId", Kind::U64},      {Q::COLUMN_EVENT_ID, "eventId", Kind::U16},
-    {Q::COLUMN_START_TIME, "starttime", Kind::U32},      {Q::COLUMN_DURATION, "duration", Kind::U32},
-    {Q::COLUMN_LANGUAGE, "language", Kind::Text},        {Q::COLUMN_TSID, "tsid", Kind::U16},
-    {Q::COLUMN_ONID, "onid", Kind::U16},                 {Q::COLUMN_TITLE, "title", Kind::Text},
-    {Q::COLUMN_DESCRIPTION, "descript", Kind::Text},     {Q::COLUMN_ACTIVITY_ID, "actId", Kind::U16},
-    {Q::COLUMN_META_SOURCE_ID, "metaSrcId", Kind::Text}, {Q::COLUMN_META_PROGRAM_ID, "metaProgId", Kind::Text},
-    {Q::COLUMN_CHANNEL_NAME, "chName", Kind::Text},      {Q::COLUMN_CHANNEL_NUMBER, "chNumber", Kind::Text},
+    {Q::COLUMN_SERVICE_ID, "serviceId", Kind::U64},
+    {Q::COLUMN_EVENT_ID, "eventId", Kind::U16},
+    {Q::COLUMN_START_TIME, "starttime", Kind::U32},
+    {Q::COLUMN_DURATION, "duration", Kind::U32},
+    {Q::COLUMN_LANGUAGE, "language", Kind::Text},
+    {Q::COLUMN_TSID, "tsid", Kind::U16},
+    {Q::COLUMN_ONID, "onid", Kind::U16},
+    {Q::COLUMN_TITLE, "title", Kind::Text},
+    {Q::COLUMN_DESCRIPTION, "descript", Kind::Text},
+    {Q::COLUMN_ACTIVITY_ID, "actId", Kind::U16},
+    {Q::COLUMN_META_SOURCE_ID, "metaSrcId", Kind::Text},
+    {Q::COLUMN_META_PROGRAM_ID, "metaProgId", Kind::Text},
+    {Q::COLUMN_CHANNEL_NAME, "chName", Kind::Text},
+    {Q::COLUMN_CHANNEL_NUMBER, "chNumber", Kind::Text},
 };
 
 struct Overload {
     Kind kind;
-    const char *typeName;  // as the rejection message names it
+    const char *typeName;   // as the rejection message names it
     const char *valueText;  // as the INSERT carries it
     std::function<void(Q &, Q::EColumn)> set;
 };
 
 const Overload kOverloads[] = {
-    {Kind::U64, "unsigned long long", "18446744073709551615", [](Q &q, Q::EColumn c) { q.SetColumnValue(c, 18446744073709551615ULL); }},
+    {Kind::U64, "unsigned long long", "18446744073709551615",
+     [](Q &q, Q::EColumn c) { q.SetColumnValue(c, 18446744073709551615ULL); }},
     {Kind::U32, "unsigned long", "4294967295", [](Q &q, Q::EColumn c) { q.SetColumnValue(c, 4294967295UL); }},
-    {Kind::U16, "unsigned short", "65535", [](Q &q, Q::EColumn c) { q.SetColumnValue(c, static_cast<unsigned short>(65535)); }},
+    {Kind::U16, "unsigned short", "65535",
+     [](Q &q, Q::EColumn c) { q.SetColumnValue(c, static_cast<unsigned short>(65535)); }},
     {Kind::Text, "std::string", "'it\"s'", [](Q &q, Q::EColumn c) { q.SetColumnValue(c, std::string("it's")); }},
 };
 
@@ -55,10 +68,14 @@ TEST(DbQueryHelper, ColumnNamesAndTheTypeCheckOfValues)
             overload.set(q, column.column);
             const bool accepted = overload.kind == column.accepted;
             EXPECT_EQ(q.GetInsertQuery(insert), accepted);
-            EXPECT_EQ(insert, accepted ? std::string("INSERT OR IGNORE INTO t (") + column.name + ") VALUES (" + overload.valueText + ")" : "<none>");
+            EXPECT_EQ(insert, accepted ? std::string("INSERT OR IGNORE INTO t (") + column.name + ") VALUES (" +
+                                             overload.valueText + ")"
+                                       : "<none>");
             EXPECT_EQ(FakeDlog::Lines().size(), 1u);
             if (!accepted) {
-                EXPECT_EQ(FakeDlog::Messages("kelvo-util"), std::vector<std::string>{std::string("wrong data type(") + overload.typeName + ") column:" + column.name});
+                EXPECT_EQ(FakeDlog::Messages("kelvo-util"),
+                          std::vector<std::string>{std::string("wrong data type(") + overload.typeName +
+                                                   ") column:" + column.name});
                 EXPECT_EQ(FakeDlog::Lines()[0].prio, DLOG_WARN);
             }
         }
@@ -91,9 +108,17 @@ TEST(DbQueryHelper, CreateAndInsertTexts)
 
 TEST(DbQueryHelper, ApostrophesBecomeDoubleQuotesInsideSingleQuotes)
 {
-    const struct { const char *in; const char *out; } cases[] = {
-        {"", "''"}, {"News", "'News'"}, {"Bob's", "'Bob\"s'"}, {"'", "'\"'"}, {"''", "'\"\"'"},
-        {"'a'b''c'", "'\"a\"b\"\"c\"'"}, {"100% \"quoted\"; --", "'100% \"quoted\"; --'"},
+    const struct {
+        const char *in;
+        const char *out;
+    } cases[] = {
+        {"", "''"},
+        {"News", "'News'"},
+        {"Bob's", "'Bob\"s'"},
+        {"'", "'\"'"},
+        {"''", "'\"\"'"},
+        {"'a'b''c'", "'\"a\"b\"\"c\"'"},
+        {"100% \"quoted\"; --", "'100% \"quoted\"; --'"},
     };
     for (const auto &c : cases)
         EXPECT_EQ(Q().ReplaceApostropheForQuery(c.in), c.out) << c.in;

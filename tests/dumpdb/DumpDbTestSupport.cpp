@@ -82,15 +82,16 @@ KelvoUtilProgramData MetaRow(const std::string &title, const std::string &desc, 
 {
     FCRemoteProgram program;
     program.m_activityID = static_cast<eRemoteContentActivity>(activity), program.m_programSourceId = "src'1";
-    program.m_programId = "prog-9", program.m_lang = "eng", program.m_utcStartTime = 1700003600UL, program.m_duration = 1800;
+    program.m_programId = "prog-9", program.m_lang = "eng", program.m_utcStartTime = 1700003600UL,
+    program.m_duration = 1800;
     program.m_title = title, program.m_desc = desc, program.m_shortDesc = "short", program.m_startTime = "not used";
     return KelvoUtilProgramData(program, 42ULL);
 }
 
 std::string Fields(const KelvoUtilProgramData &row)
 {
-    return std::to_string(row.ServiceId()) + "|" + std::to_string(row.EventId()) + "|" + std::to_string(row.Starttime()) +
-           "|" + std::to_string(row.Duration()) + "|" + row.Language() + "|" + std::to_string(row.TSID()) + "|" +
-           std::to_string(row.ONID()) + "|" + row.Title() + "|" + row.Description() + "|" +
-           std::to_string(row.ActivityId()) + "|" + row.ProgramSourceId() + "|" + row.MetaProgramId();
+    return std::to_string(row.ServiceId()) + "|" + std::to_string(row.EventId()) + "|" +
+           std::to_string(row.Starttime()) + "|" + std::to_string(row.Duration()) + "|" + row.Language() + "|" +
+           std::to_string(row.TSID()) + "|" + std::to_string(row.ONID()) + "|" + row.Title() + "|" + row.Description() +
+           "|" + std::to_string(row.ActivityId()) + "|" + row.ProgramSourceId() + "|" + row.MetaProgramId();
 }

@@ -36,7 +36,8 @@ std::string RunSqliteCli(const std::string &dbPath, const std::string &command);
 std::vector<std::string> LoggedFailures(const std::vector<std::string> &prefixes = {"Insert error", "fail to"});
 
 // A broadcast event as the middleware hands it over.
-TCProgramData MakeEvent(const std::u16string &title, const std::u16string &text = u"", unsigned int language = 0x656E67);
+TCProgramData MakeEvent(const std::u16string &title, const std::u16string &text = u"",
+                        unsigned int language = 0x656E67);
 KelvoUtilProgramData RfRow(const std::string &title, const std::u16string &text = u"", unsigned short eventId = 1);
 KelvoUtilProgramData MetaRow(const std::string &title, const std::string &desc = "", int activity = 0);
 // Every field of a row, '|'-joined in the order of the programRF then programMETA-only columns.

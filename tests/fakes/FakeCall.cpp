@@ -33,11 +33,26 @@ auto Locked(Action action)
 namespace FakeCall {
 
 // Results still outstanding stay counted: a leak before a reset must still show.
-void Reset() { Locked([](State &s) { s = State{{}, {}, {}, s.outstanding}; }); }
-void Script(const std::string &method, const Answer &answer) { Locked([&](State &s) { s.standing[method] = answer; }); }
-void ScriptOnce(const std::string &method, const Answer &answer) { Locked([&](State &s) { s.once[method].push_back(answer); }); }
-std::vector<CallRecord> Calls() { return Locked([](State &s) { return s.calls; }); }
-int Outstanding() { return Locked([](State &s) { return s.outstanding; }); }
+void Reset()
+{
+    Locked([](State &s) { s = State{{}, {}, {}, s.outstanding}; });
+}
+void Script(const std::string &method, const Answer &answer)
+{
+    Locked([&](State &s) { s.standing[method] = answer; });
+}
+void ScriptOnce(const std::string &method, const Answer &answer)
+{
+    Locked([&](State &s) { s.once[method].push_back(answer); });
+}
+std::vector<CallRecord> Calls()
+{
+    return Locked([](State &s) { return s.calls; });
+}
+int Outstanding()
+{
+    return Locked([](State &s) { return s.outstanding; });
+}
 
 std::vector<std::string> Arguments(const std::string &method)
 {
@@ -67,7 +82,8 @@ extern "C" KelvoCallResult *Call(const char *method, const char *argument)
     auto *result = static_cast<KelvoCallResult *>(std::calloc(1, sizeof(KelvoCallResult)));
     result->success = answer.kind == FakeCall::Answer::Reply;
     result->length = static_cast<unsigned int>(answer.text.size());
-    result->data = static_cast<char *>(std::memcpy(std::malloc(answer.text.size() + 1), answer.text.c_str(), answer.text.size() + 1));
+    result->data = static_cast<char *>(
+        std::memcpy(std::malloc(answer.text.size() + 1), answer.text.c_str(), answer.text.size() + 1));
     return result;
 }
 

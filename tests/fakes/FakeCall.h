@@ -13,13 +13,15 @@ struct Answer {
     Kind kind = NullResult;
     std::string text;
 
-    static Answer Null() { return Answer{NullResult, ""}; }      // no bus: Call returns null
-    static Answer Failed() { return Answer{Failure, ""}; }       // a result with success clear
+    static Answer Null() { return Answer{NullResult, ""}; }  // no bus: Call returns null
+    static Answer Failed() { return Answer{Failure, ""}; }   // a result with success clear
     static Answer Text(const std::string &reply) { return Answer{Reply, reply}; }
 };
 
 // The argument text exactly as passed.
-struct CallRecord { std::string method, argument; };
+struct CallRecord {
+    std::string method, argument;
+};
 
 // Forgets calls and script; unscripted methods then answer Null().
 void Reset();

@@ -21,7 +21,10 @@ int Record(int result, const char *name, notification_h noti, std::vector<std::s
     return noti != nullptr ? result : NOTIFICATION_ERROR_INVALID_PARAMETER;
 }
 
-std::string Text(const char *text) { return text != nullptr ? text : "(null)"; }
+std::string Text(const char *text)
+{
+    return text != nullptr ? text : "(null)";
+}
 }  // namespace
 
 extern "C" notification_h notification_create(notification_type_e type)
@@ -52,7 +55,10 @@ extern "C" int notification_set_hide_timeout(notification_h noti, int timeout)
     return Record(NOTIFICATION_ERROR_NONE, "notification_set_hide_timeout", noti, {std::to_string(timeout)});
 }
 
-extern "C" int notification_post(notification_h noti) { return Record(g_postResult, "notification_post", noti); }
+extern "C" int notification_post(notification_h noti)
+{
+    return Record(g_postResult, "notification_post", noti);
+}
 
 extern "C" int notification_free(notification_h noti)
 {
@@ -67,8 +73,20 @@ void Reset()
     g_calls.clear();
 }
 
-void FailCreate() { g_failCreate = true; }
-void SetDisplayApplistResult(int result) { g_applistResult = result; }
-void SetPostResult(int result) { g_postResult = result; }
-std::vector<std::string> Calls() { return g_calls; }
+void FailCreate()
+{
+    g_failCreate = true;
+}
+void SetDisplayApplistResult(int result)
+{
+    g_applistResult = result;
+}
+void SetPostResult(int result)
+{
+    g_postResult = result;
+}
+std::vector<std::string> Calls()
+{
+    return g_calls;
+}
 }  // namespace FakeNotification

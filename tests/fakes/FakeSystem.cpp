@@ -46,10 +46,22 @@ void Reset()
     g_failClock = false;
 }
 
-std::vector<std::string> Calls() { return g_calls; }
-void SetStatus(int status) { g_handler = [status](const std::string &) { return status; }; }
-void SetHandler(std::function<int(const std::string &)> handler) { g_handler = std::move(handler); }
-void FailGettimeofday() { g_failClock = true; }
+std::vector<std::string> Calls()
+{
+    return g_calls;
+}
+void SetStatus(int status)
+{
+    g_handler = [status](const std::string &) { return status; };
+}
+void SetHandler(std::function<int(const std::string &)> handler)
+{
+    g_handler = std::move(handler);
+}
+void FailGettimeofday()
+{
+    g_failClock = true;
+}
 
 void SetNow(long long seconds, long long microseconds)
 {

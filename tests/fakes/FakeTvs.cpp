@@ -67,9 +67,18 @@ public:
 };
 }  // namespace
 
-IService *TVServiceAPI::CreateService() { return new FakeService(); }
-IServiceGuide *TVServiceAPI::CreateServiceGuide() { return new FakeGuide(); }
-IUtil *TVServiceAPI::CreateUtil() { return g_failUtil ? nullptr : new FakeUtil(); }
+IService *TVServiceAPI::CreateService()
+{
+    return new FakeService();
+}
+IServiceGuide *TVServiceAPI::CreateServiceGuide()
+{
+    return new FakeGuide();
+}
+IUtil *TVServiceAPI::CreateUtil()
+{
+    return g_failUtil ? nullptr : new FakeUtil();
+}
 
 namespace FakeTvs {
 void Reset()
@@ -82,11 +91,32 @@ void Reset()
     g_criteria.clear();
 }
 
-void SetServices(const std::vector<std::map<int, long long>> &services) { g_services = services; }
-void SetGuide(unsigned long long serviceId, const FakeTvsGuide &guide) { g_guides[serviceId] = guide; }
-void SetBackupResult(int result) { g_backupResult = result; }
-void SetRestoreResult(int result) { g_restoreResult = result; }
-void FailCreateUtil() { g_failUtil = true; }
-std::vector<std::string> Calls() { return g_calls; }
-std::vector<TCCriteriaHelper> Criteria() { return g_criteria; }
+void SetServices(const std::vector<std::map<int, long long>> &services)
+{
+    g_services = services;
+}
+void SetGuide(unsigned long long serviceId, const FakeTvsGuide &guide)
+{
+    g_guides[serviceId] = guide;
+}
+void SetBackupResult(int result)
+{
+    g_backupResult = result;
+}
+void SetRestoreResult(int result)
+{
+    g_restoreResult = result;
+}
+void FailCreateUtil()
+{
+    g_failUtil = true;
+}
+std::vector<std::string> Calls()
+{
+    return g_calls;
+}
+std::vector<TCCriteriaHelper> Criteria()
+{
+    return g_criteria;
+}
 }  // namespace FakeTvs

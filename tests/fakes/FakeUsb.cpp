@@ -21,7 +21,10 @@ std::optional<int> g_count;
 std::deque<usb_device_list_s> g_lists;
 }  // namespace
 
-extern "C" int usb_device_init(void) { return g_initResult; }
+extern "C" int usb_device_init(void)
+{
+    return g_initResult;
+}
 
 extern "C" int usb_get_connected_device_number(int device_class)
 {
@@ -64,7 +67,16 @@ void Reset()
     g_count.reset();
 }
 
-void SetInitResult(int result) { g_initResult = result; }
-void SetDevices(const std::vector<FakeUsbDevice> &devices) { g_devices = devices; }
-void SetDeviceCount(int count) { g_count = count; }
+void SetInitResult(int result)
+{
+    g_initResult = result;
+}
+void SetDevices(const std::vector<FakeUsbDevice> &devices)
+{
+    g_devices = devices;
+}
+void SetDeviceCount(int count)
+{
+    g_count = count;
+}
 }  // namespace FakeUsb

@@ -19,10 +19,14 @@
 
 namespace {
 
-bool Logged(const std::string& message) { return FakeDlog::Contains("> " + message); }
+bool Logged(const std::string &message)
+{
+    return FakeDlog::Contains("> " + message);
+}
 
 // The state is the process's; the steps run in order in one test.
-TEST(FCAPI, InitializeAndFinalizeGuardEachOther) {
+TEST(FCAPI, InitializeAndFinalizeGuardEachOther)
+{
     FakeCall::Reset();
     FakeDlog::Clear();
     EXPECT_FALSE(FCAPI::Finalize());
@@ -30,7 +34,7 @@ TEST(FCAPI, InitializeAndFinalizeGuardEachOther) {
 
     EXPECT_TRUE(FCAPI::Initialize());
     EXPECT_TRUE(FCAPI::is_initailzed);
-    FIMatchFinder* finder = FCAPI::GetMatchFinder();
+    FIMatchFinder *finder = FCAPI::GetMatchFinder();
 
     FakeDlog::Clear();
     EXPECT_FALSE(FCAPI::Initialize());
@@ -46,20 +50,22 @@ TEST(FCAPI, InitializeAndFinalizeGuardEachOther) {
 
 // The accessor of FCAPI keeps one object of the proxy; the factory makes a new one at each request.
 template <typename Proxy, typename Interface>
-void CheckService(Interface* (*accessor)(), Interface* (FCFenvoraObjectFactory::*make)()) {
+void CheckService(Interface *(*accessor)(), Interface *(FCFenvoraObjectFactory::*make)())
+{
     SCOPED_TRACE(typeid(Proxy).name());
-    Interface* kept = accessor();
-    EXPECT_TRUE(kept && accessor() == kept && dynamic_cast<Proxy*>(kept));
-    FCFenvoraObjectFactory* factory = FCFenvoraObjectFactory::GetInstance();
+    Interface *kept = accessor();
+    EXPECT_TRUE(kept && accessor() == kept && dynamic_cast<Proxy *>(kept));
+    FCFenvoraObjectFactory *factory = FCFenvoraObjectFactory::GetInstance();
     std::unique_ptr<Interface> a((factory->*make)()), b((factory->*make)());
-    EXPECT_TRUE(a != b && a.get() != kept && dynamic_cast<Proxy*>(a.get()));
+    EXPECT_TRUE(a != b && a.get() != kept && dynamic_cast<Proxy *>(a.get()));
 }
 
-TEST(FCFenvoraObjectFactory, AccessorsKeepOneObjectAndTheFactoryMakesANewOneEachTime) {
+TEST(FCFenvoraObjectFactory, AccessorsKeepOneObjectAndTheFactoryMakesANewOneEachTime)
+{
     using F = FCFenvoraObjectFactory;
     ASSERT_NE(F::GetInstance(), nullptr);
     EXPECT_EQ(F::GetInstance(), F::GetInstance());
-    EXPECT_NE(dynamic_cast<FCObjectFactoryKR*>(F::GetInstance()), nullptr);
+    EXPECT_NE(dynamic_cast<FCObjectFactoryKR *>(F::GetInstance()), nullptr);
     CheckService<FCMBRNetworkChannelManager_Proxy>(&FCAPI::GetMBRNetworkChannelAPI, &F::GetMBRNetworkChannelManager);
     CheckService<FCRFNetworkChannelManager_Proxy>(&FCAPI::GetRFNetworkChannelAPI, &F::GetRFNetworkChannelManager);
     CheckService<FCRemoteContentOnTV_Proxy>(&FCAPI::GetRemoteContentAPI, &F::GetRemoteContentAPI);
@@ -74,8 +80,13 @@ TEST(FCFenvoraObjectFactory, AccessorsKeepOneObjectAndTheFactoryMakesANewOneEach
 }
 
 // Reset is true only on a reply with "ret": true; a failed call and a reply that is no JSON are logged.
-TEST(FCAPI, ResetAsksTheDaemonDirectly) {
-    const struct { FakeCall::Answer answer; bool result; const char* logged; } cases[] = {
+TEST(FCAPI, ResetAsksTheDaemonDirectly)
+{
+    const struct {
+        FakeCall::Answer answer;
+        bool result;
+        const char *logged;
+    } cases[] = {
         {FakeCall::Answer::Null(), false, "called"},
         {FakeCall::Answer::Failed(), false, "fail to communicate using d-bus"},
         {FakeCall::Answer::Text("{oops"), false, "fail to parse json data"},
@@ -84,7 +95,7 @@ TEST(FCAPI, ResetAsksTheDaemonDirectly) {
         {FakeCall::Answer::Text("[true]"), false, "called"},
         {FakeCall::Answer::Text(R"({"ret":true})"), true, "called"},
     };
-    for (const auto& c : cases) {
+    for (const auto &c : cases) {
         FakeCall::Reset();
         FakeDlog::Clear();
         FakeCall::Script("Reset", c.answer);

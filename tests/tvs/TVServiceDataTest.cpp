@@ -31,8 +31,8 @@ TCStoredService Service(const char *name, long long id, long long rf, long long 
 
 struct Found {
     int result;
-    std::vector<long long> ids;                  // tag 12 of each returned service, in order
-    std::vector<std::vector<int>> heldFetched;   // which fetched tags each one holds
+    std::vector<long long> ids;                 // tag 12 of each returned service, in order
+    std::vector<std::vector<int>> heldFetched;  // which fetched tags each one holds
 };
 
 Found Query(const TCCriteriaHelper &criteria)
@@ -87,13 +87,17 @@ TEST_F(ServiceQuery, ConditionsSelectByTagNumber)
         std::vector<TCCriteriaHelper::Condition> conditions;
         std::vector<long long> ids;
     } cases[] = {
-        {"the export's selection", {{17, -1, true}, {9, 1, false}}, {101, 104, static_cast<long long>(0x9000000000000105ull)}},
+        {"the export's selection",
+         {{17, -1, true}, {9, 1, false}},
+         {101, 104, static_cast<long long>(0x9000000000000105ull)}},
         {"no condition: every service", {}, {101, 102, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)}},
         {"Where on the map position", {{17, 1, false}}, {103}},
         {"WhereNot alone", {{9, 1, true}}, {103, 105}},
         {"Where on a tag a service lacks never matches it", {{9, 0, false}}, {103}},
         {"Where on a tag no service holds", {{99, 0, false}}, {}},
-        {"WhereNot on a tag no service holds", {{99, 0, true}}, {101, 102, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)}},
+        {"WhereNot on a tag no service holds",
+         {{99, 0, true}},
+         {101, 102, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)}},
         {"conditions are and-ed", {{9, 1, false}, {17, 0, false}}, {101}},
     };
     for (const Case &c : cases) {
@@ -143,11 +147,10 @@ TEST_F(ServiceQuery, ReadingAnAbsentTagPrintsTheMissingTagLinesAndYieldsZero)
     EXPECT_EQ(quiet, "");
     EXPECT_EQ(minor, 0);
     EXPECT_EQ(notFetched, 0);
-    EXPECT_EQ(printed,
-              "*************************** ASSERT TAG ***************************\n"
-              "******************* ASSERT: missing tag[ 14] *********************\n"
-              "*************************** ASSERT TAG ***************************\n"
-              "******************* ASSERT: missing tag[ 17] *********************\n");
+    EXPECT_EQ(printed, "*************************** ASSERT TAG ***************************\n"
+                       "******************* ASSERT: missing tag[ 14] *********************\n"
+                       "*************************** ASSERT TAG ***************************\n"
+                       "******************* ASSERT: missing tag[ 17] *********************\n");
     EXPECT_EQ(static_cast<unsigned long long>(list.back()->Get(12)), 0x9000000000000105ull)
         << "a 64-bit id above 2^63 comes back whole";
     for (TCServiceData *data : list)
@@ -165,7 +168,8 @@ TEST_F(ServiceQuery, ChannelMapDumpHoldsTheMappedServicesInMapOrder)
     sqlite3 *db = nullptr;
     ASSERT_EQ(sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
     sqlite3_stmt *stmt = nullptr;
-    ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT service_id FROM chmap ORDER BY chmap_index", -1, &stmt, nullptr), SQLITE_OK);
+    ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT service_id FROM chmap ORDER BY chmap_index", -1, &stmt, nullptr),
+              SQLITE_OK);
     std::vector<long long> ids;
     while (sqlite3_step(stmt) == SQLITE_ROW)
         ids.push_back(sqlite3_column_int64(stmt, 0));
@@ -272,10 +276,12 @@ TEST(ServiceGuide, Utf8DecodingOfStoredTexts)
         {"\xC3\xB8", u"\u00F8"},
         {"\xED\x95\x9C", u"\uD55C"},
         {"\xF0\x9F\x8E\xAC", u"\U0001F3AC"},
-        {"\xC3", u"\uFFFD"},                   // cut short
-        {"\xC0\xAF", u"\uFFFD\uFFFD"},         // overlong '/'
+        {"\xC3", u"\uFFFD"},                      // cut short
+        {"\xC0\xAF", u"\uFFFD\uFFFD"},            // overlong '/'
         {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},  // an encoded surrogate
-        {"a\xFF" "b", u"a\uFFFDb"},
+        {"a\xFF"
+         "b",
+         u"a\uFFFDb"},
     };
     for (const Case &c : cases)
         EXPECT_EQ(TCServiceDataStore::Utf8ToUtf16(c.utf8), c.units) << c.utf8;

@@ -41,9 +41,8 @@ TEST_F(DumpTest, CopyIsOneCommandOfTwelveSourcesEndingInSync)
     for (const std::string &source :
          {app + "/com.halvorn.tv.kelvo-daemon/data/*", app + "/com.halvorn.tv.kelvo-daemon/shared/kelvo/data/*",
           rw + "/esg-service/data/*", rw + "/tvs-chms/data/*", rw + "/tvs-iss/data/*", rw + "/tvs-sospec/data/*",
-          rw + "/tvs-guide/data/*", db + "/db-tvs-*", db + "/UpdateTransponderDataBase.sei",
-          rw + "/reminder/data/*", app + "/org.tizen.content-tiles-provider/data/.preview.db",
-          app + "/ContentServiceManager/data/*.db"})
+          rw + "/tvs-guide/data/*", db + "/db-tvs-*", db + "/UpdateTransponderDataBase.sei", rw + "/reminder/data/*",
+          app + "/org.tizen.content-tiles-provider/data/.preview.db", app + "/ContentServiceManager/data/*.db"})
         expected += "/usr/bin/cp -rf " + source + " " + Dump() + ";";
     expected += "sync";
 
@@ -107,13 +106,13 @@ TEST_P(SafeFileOpen, WritesARegularFileInPlace)
     EXPECT_EQ(UtilLog(), expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Entries, SafeFileOpen,
-    ::testing::Values(OpenCase{"Missing", OpenCase::Missing, "[SafeFileOpen] no file exists"},
-                      OpenCase{"Regular", OpenCase::Regular, nullptr},
-                      OpenCase{"Link", OpenCase::Link, "[SafeFileOpen] is symbolic link."},
-                      OpenCase{"DanglingLink", OpenCase::DanglingLink, "[SafeFileOpen] is symbolic link."}),
-    ByName());
+INSTANTIATE_TEST_SUITE_P(Entries, SafeFileOpen,
+                         ::testing::Values(OpenCase{"Missing", OpenCase::Missing, "[SafeFileOpen] no file exists"},
+                                           OpenCase{"Regular", OpenCase::Regular, nullptr},
+                                           OpenCase{"Link", OpenCase::Link, "[SafeFileOpen] is symbolic link."},
+                                           OpenCase{"DanglingLink", OpenCase::DanglingLink,
+                                                    "[SafeFileOpen] is symbolic link."}),
+                         ByName());
 
 TEST_F(DumpTest, FailedBackupLeavesTheTimeStampOnly)
 {
@@ -121,10 +120,10 @@ TEST_F(DumpTest, FailedBackupLeavesTheTimeStampOnly)
     FakeSystem::SetNow(4102444800LL);  // past 2^31: written in full
     EXPECT_FALSE(m_handler.BackupData(m_stick.Path()));
 
-    EXPECT_THAT(UtilLog(), ElementsAre("Make Dump DB Folder", " removing result is -1", "Start Dump Kelvo DB",
-                                       "UTC Current Time = 4102444800",
-                                       "[SafeFileOpen] is called " + Dump() + "/time.txt w",
-                                       "[SafeFileOpen] no file exists"));
+    EXPECT_THAT(UtilLog(),
+                ElementsAre("Make Dump DB Folder", " removing result is -1", "Start Dump Kelvo DB",
+                            "UTC Current Time = 4102444800", "[SafeFileOpen] is called " + Dump() + "/time.txt w",
+                            "[SafeFileOpen] no file exists"));
     EXPECT_THAT(FakeTvs::Calls(), ElementsAre("WriteChannelMapMemoryDump", "BackupTVSData(" + Dump() + ")"));
     EXPECT_EQ(ReadFile(Dump() + "/time.txt"), "4102444800\n");
     EXPECT_THAT(RecordedDb::events, IsEmpty());

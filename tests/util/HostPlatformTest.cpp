@@ -22,7 +22,10 @@ void SetEnv(const char *name, const char *value)
         unsetenv(name);
 }
 
-std::string Text(const char *text) { return text != nullptr ? text : "(null)"; }
+std::string Text(const char *text)
+{
+    return text != nullptr ? text : "(null)";
+}
 
 TEST(HostDlog, OneLinePerCallWithPriorityTagAndPid)
 {

@@ -13,7 +13,7 @@ enum class Stick { None, RestoreFolder, RestoreFile, DumpOnly };
 struct MainCase {
     const char *name;
     Stick stick;
-    int tvsResult;  // of the restore or the backup, whichever runs
+    int tvsResult;                   // of the restore or the backup, whichever runs
     std::vector<std::string> steps;  // main's "kelvo-util ..." lines and Show's "EResultType ..." line
 };
 
@@ -51,15 +51,23 @@ TEST_P(MainFlow, BranchNotificationAndLogLines)
 INSTANTIATE_TEST_SUITE_P(
     Branches, MainFlow,
     ::testing::Values(
-        MainCase{"NoDevice", Stick::None, 1,
-                 {kStart, "EResultType : [0], [ChannelMap Dump Fail]", "kelvo-util 111 ....."}},
-        MainCase{"RestoreFolder", Stick::RestoreFolder, 1,
+        MainCase{
+            "NoDevice", Stick::None, 1, {kStart, "EResultType : [0], [ChannelMap Dump Fail]", "kelvo-util 111 ....."}},
+        MainCase{"RestoreFolder",
+                 Stick::RestoreFolder,
+                 1,
                  {kStart, kAttached, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", kEnd}},
-        MainCase{"RestoreEntryAsFile", Stick::RestoreFile, 1,
+        MainCase{"RestoreEntryAsFile",
+                 Stick::RestoreFile,
+                 1,
                  {kStart, kAttached, "EResultType : [3], [Restore ChannelMap Success]", "kelvo-util 333.....", kEnd}},
-        MainCase{"RestoreFails", Stick::RestoreFolder, 0,
+        MainCase{"RestoreFails",
+                 Stick::RestoreFolder,
+                 0,
                  {kStart, kAttached, "EResultType : [2], [Restore ChannelMap Fail]", "kelvo-util 444 .....", kEnd}},
-        MainCase{"DumpSucceeds", Stick::DumpOnly, 1,
+        MainCase{"DumpSucceeds",
+                 Stick::DumpOnly,
+                 1,
                  {kStart, kAttached, "kelvo-util 555 .....", "EResultType : [1], [ChannelMap Dump Success]", kEnd}},
         MainCase{"DumpFailsSilently", Stick::DumpOnly, 0, {kStart, kAttached, kEnd}}),
     ByName());

@@ -105,20 +105,19 @@ TEST_F(ProgramExportTest, MetaRowsUnderTheMatchedServiceOrAllOnes)
     for (const KelvoUtilProgramData &row : RecordedDb::rows)
         rows.push_back(std::to_string(row.ServiceId()) + " " + row.MetaProgramId());
     EXPECT_THAT(rows, ElementsAre("1001 P1", "1001 P2", "18446744073709551615 P3"));
-    EXPECT_THAT(UtilLog(), ElementsAre("Start to Backup ProgramData of Meta", "UTC Current Time = 1700000000",
-                                       "source Id size:2", "Meta Programs by source Id size : 2 ",
-                                       "source Id : S1 , tvsServiceId:1001",
-                                       "source Id : S2 , tvsServiceId:18446744073709551615",
-                                       "End to Backup ProgramData of Meta"));
+    EXPECT_THAT(UtilLog(),
+                ElementsAre("Start to Backup ProgramData of Meta", "UTC Current Time = 1700000000", "source Id size:2",
+                            "Meta Programs by source Id size : 2 ", "source Id : S1 , tvsServiceId:1001",
+                            "source Id : S2 , tvsServiceId:18446744073709551615", "End to Backup ProgramData of Meta"));
 }
 
 TEST_F(ProgramExportTest, NoDaemonWritesNoMetaRows)
 {
     m_handler.BackupProgramDataOfMeta();
     EXPECT_THAT(RecordedDb::rows, IsEmpty());
-    EXPECT_THAT(UtilLog(), ElementsAre("Start to Backup ProgramData of Meta", "UTC Current Time = 1700000000",
-                                       "source Id size:0", "Meta Programs by source Id size : 0 ",
-                                       "End to Backup ProgramData of Meta"));
+    EXPECT_THAT(UtilLog(),
+                ElementsAre("Start to Backup ProgramData of Meta", "UTC Current Time = 1700000000", "source Id size:0",
+                            "Meta Programs by source Id size : 0 ", "End to Backup ProgramData of Meta"));
     EXPECT_EQ(FakeCall::Outstanding(), 0);
 }
 }  // namespace

@@ -72,7 +72,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         ClockCase{"OneNumber", "1600000000\n", {"restore time is 1600000000"}, {"settimeofday 1600000000 0"}},
         ClockCase{"NoNewline", "1600000000", {"restore time is 1600000000"}, {"settimeofday 1600000000 0"}},
-        ClockCase{"LastNumberWins", "5\n7 9\n", {"restore time is 5", "restore time is 7", "restore time is 9"},
+        ClockCase{"LastNumberWins",
+                  "5\n7 9\n",
+                  {"restore time is 5", "restore time is 7", "restore time is 9"},
                   {"settimeofday 9 0"}},
         ClockCase{"EmptyFileSetsTheEpoch", "", {}, {"settimeofday 0 0"}},
         ClockCase{"NoTimeFileLeavesTheClock", nullptr, {}, {}}),

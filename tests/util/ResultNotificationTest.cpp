@@ -36,11 +36,12 @@ TEST_P(ResultNotificationContent, PostsTheContentOfTheResultUnderTheDumpTitle)
     EXPECT_THAT(UtilLog(), Contains("EResultType : [" + std::to_string(c.type) + "], [" + c.content + "]"));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryResultType, ResultNotificationContent,
-    ::testing::Values(ContentCase{0, "ChannelMap Dump Fail"}, ContentCase{1, "ChannelMap Dump Success"},
-                      ContentCase{2, "Restore ChannelMap Fail"}, ContentCase{3, "Restore ChannelMap Success"},
-                      ContentCase{7, ""}, ContentCase{-1, ""}));
+INSTANTIATE_TEST_SUITE_P(EveryResultType, ResultNotificationContent,
+                         ::testing::Values(ContentCase{0, "ChannelMap Dump Fail"},
+                                           ContentCase{1, "ChannelMap Dump Success"},
+                                           ContentCase{2, "Restore ChannelMap Fail"},
+                                           ContentCase{3, "Restore ChannelMap Success"}, ContentCase{7, ""},
+                                           ContentCase{-1, ""}));
 
 // Each failure is logged under the name of the other call, and Show goes on.
 TEST_F(ResultNotificationTest, FailureMessagesNameTheOtherCall)
@@ -70,7 +71,8 @@ TEST_F(ResultNotificationTest, GetInstanceGivesOneObjectAndLogsEachRequest)
     // Under ctest each test has a process of its own, so the instance was made just now.
     for (const std::string &text : FakeDlog::Texts("kelvo-util"))
         EXPECT_TRUE(text.find("Create ResultNotification Instance.") == text.npos ||
-                    text.find(": m_CreateInstance(") != text.npos) << text;
+                    text.find(": m_CreateInstance(") != text.npos)
+            << text;
     FakeDlog::Clear();
     EXPECT_EQ(ResultNotification::GetInstance(), first);
     EXPECT_THAT(UtilLog(), ElementsAre("Get ResultNotification Instance."));

@@ -1,5 +1,5 @@
-#include "UtilTestSupport.h"
 #include "usbHandler.h"
+#include "UtilTestSupport.h"
 
 using ::testing::ElementsAre;
 
@@ -16,8 +16,8 @@ TEST_P(UsbHandlerPrepare, ConnectedOnlyForAPositiveMassStorageCount)
     FakeUsb::SetInitResult(-5);
     FakeUsb::SetDeviceCount(GetParam().count);
     EXPECT_EQ(KelvoUtilUsbHandler().Prepare(), GetParam().connected);
-    EXPECT_THAT(UtilLog(), ElementsAre("usb_device_init return = -5",
-                                       "device number is " + std::to_string(GetParam().count)));
+    EXPECT_THAT(UtilLog(),
+                ElementsAre("usb_device_init return = -5", "device number is " + std::to_string(GetParam().count)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Counts, UsbHandlerPrepare,
@@ -44,10 +44,12 @@ TEST_P(UsbHandlerMountPath, FirstDeviceReplacesWhatThePathHeld)
 
 INSTANTIATE_TEST_SUITE_P(
     Devices, UsbHandlerMountPath,
-    ::testing::Values(MountCase{"FirstOfTwo", {{"/media/USB_A", "/dev/sda1"}, {"/media/USB_B", "/dev/sdb1"}},
-                                "/media/USB_A", "mount path is /media/USB_A, device name is /dev/sda1"},
-                      MountCase{"NullMountPath", {{"", "/dev/sdc1"}}, "",
-                                "mount path is (null), device name is /dev/sdc1"},
+    ::testing::Values(MountCase{"FirstOfTwo",
+                                {{"/media/USB_A", "/dev/sda1"}, {"/media/USB_B", "/dev/sdb1"}},
+                                "/media/USB_A",
+                                "mount path is /media/USB_A, device name is /dev/sda1"},
+                      MountCase{
+                          "NullMountPath", {{"", "/dev/sdc1"}}, "", "mount path is (null), device name is /dev/sdc1"},
                       MountCase{"NoDevice", {}, "", "mount path is (null), device name is (null)"}),
     ByName());
 }  // namespace

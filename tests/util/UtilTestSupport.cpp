@@ -23,7 +23,10 @@ TempDir::~TempDir()
     std::filesystem::remove_all(m_path, ignored);
 }
 
-void WriteFile(const std::string &path, const std::string &text) { std::ofstream(path, std::ios::binary) << text; }
+void WriteFile(const std::string &path, const std::string &text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
 
 std::string ReadFile(const std::string &path)
 {
@@ -32,7 +35,10 @@ std::string ReadFile(const std::string &path)
     return text.str();
 }
 
-std::vector<std::string> UtilLog() { return FakeDlog::Messages("kelvo-util"); }
+std::vector<std::string> UtilLog()
+{
+    return FakeDlog::Messages("kelvo-util");
+}
 
 std::vector<std::string> RecordedDb::events;
 std::vector<KelvoUtilProgramData> RecordedDb::rows;
@@ -40,8 +46,14 @@ std::vector<KelvoUtilProgramData> RecordedDb::rows;
 // The connection and builders are never used here, so the members stay as the header leaves them.
 KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper() = default;
 KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
-void KelvoUtilDatabaseHelper::OpenDB() { RecordedDb::events.push_back("OpenDB"); }
-void KelvoUtilDatabaseHelper::CloseDB() { RecordedDb::events.push_back("CloseDB"); }
+void KelvoUtilDatabaseHelper::OpenDB()
+{
+    RecordedDb::events.push_back("OpenDB");
+}
+void KelvoUtilDatabaseHelper::CloseDB()
+{
+    RecordedDb::events.push_back("CloseDB");
+}
 
 static void Record(const char *event, const KelvoUtilProgramData &row)
 {
@@ -49,8 +61,14 @@ static void Record(const char *event, const KelvoUtilProgramData &row)
     RecordedDb::rows.push_back(row);
 }
 
-void KelvoUtilDatabaseHelper::InsertProgramRF(KelvoUtilProgramData row) { Record("RF", row); }
-void KelvoUtilDatabaseHelper::InsertProgramMeta(KelvoUtilProgramData row) { Record("META", row); }
+void KelvoUtilDatabaseHelper::InsertProgramRF(KelvoUtilProgramData row)
+{
+    Record("RF", row);
+}
+void KelvoUtilDatabaseHelper::InsertProgramMeta(KelvoUtilProgramData row)
+{
+    Record("META", row);
+}
 
 std::map<int, std::string> g_tzFolders;
 

@@ -46,7 +46,10 @@ extern std::map<int, std::string> g_tzFolders;
 // Names a parameterized case by its parameter's name member.
 struct ByName {
     template <typename P>
-    std::string operator()(const ::testing::TestParamInfo<P> &info) const { return info.param.name; }
+    std::string operator()(const ::testing::TestParamInfo<P> &info) const
+    {
+        return info.param.name;
+    }
 };
 
 // Every fake reset, the time at 1700000000, the TV's folders in m_tv, the stick in m_stick.

@@ -106,7 +106,8 @@ extern "C" int clock_settime(clockid_t clock, const struct timespec *ts)
         result = next ? next(clock, ts) : -1;
         error = next ? errno : ENOSYS;
     }
-    Record("clock_settime", static_cast<long long>(ts->tv_sec), static_cast<long long>(ts->tv_nsec), result, result == 0 ? 0 : error, real);
+    Record("clock_settime", static_cast<long long>(ts->tv_sec), static_cast<long long>(ts->tv_nsec), result,
+           result == 0 ? 0 : error, real);
     errno = error;
     return result;
 }

@@ -13,55 +13,55 @@ class KelvoSimContent {
 public:
     // Replaces what the daemon knows. A fixture that is not an object, or whose members have the
     // wrong kind, is refused with a reason.
-    bool Load(const Json::Value& fixture, std::string& error);
+    bool Load(const Json::Value &fixture, std::string &error);
 
     // The reply to one request. False when the daemon has no such method.
-    bool Answer(const std::string& method, const std::string& argumentText, Json::Value& reply);
+    bool Answer(const std::string &method, const std::string &argumentText, Json::Value &reply);
 
     // The names Answer knows, ascending (for introspection).
     static std::vector<std::string> Methods();
 
-    static std::string ToCompactText(const Json::Value& value);
+    static std::string ToCompactText(const Json::Value &value);
 
 private:
-    using Handler = void (KelvoSimContent::*)(Json::Value&, Json::Value&);
-    static const std::map<std::string, Handler>& m_Handlers();
+    using Handler = void (KelvoSimContent::*)(Json::Value &, Json::Value &);
+    static const std::map<std::string, Handler> &m_Handlers();
 
     // One entry per wire method; see the table in SimContent.cpp.
-    void m_Reset(Json::Value& in, Json::Value& out);
-    void m_SetRemoteContentEnv(Json::Value& in, Json::Value& out);
-    void m_GetRemoteContentEnv(Json::Value& in, Json::Value& out);
-    void m_GetActivity(Json::Value& in, Json::Value& out);
-    void m_GetChannelCRC(Json::Value& in, Json::Value& out);
-    void m_GetFenvoraVersion(Json::Value& in, Json::Value& out);
-    void m_GetRemoteContentConfig(Json::Value& in, Json::Value& out);
-    void m_SetRemoteContentConfig(Json::Value& in, Json::Value& out);
-    void m_GetCertRule(Json::Value& in, Json::Value& out);
-    void m_GetChannelList(Json::Value& in, Json::Value& out);
-    void m_GetTunableProgramSourceIdMap(Json::Value& in, Json::Value& out);
-    void m_GetProgramMap(Json::Value& in, Json::Value& out);
-    void m_GetGenreList(Json::Value& in, Json::Value& out);
-    void m_GetVODProviders(Json::Value& in, Json::Value& out);
-    void m_GetProgramBySource(Json::Value& in, Json::Value& out);
-    void m_GetChannelBySource(Json::Value& in, Json::Value& out);
-    void m_GetSearchKeyRF(Json::Value& in, Json::Value& out);
-    void m_GetSearchKeyMBR(Json::Value& in, Json::Value& out);
-    void m_GetFullProgramSourceIdList(Json::Value& in, Json::Value& out);
-    void m_GetChannelByService(Json::Value& in, Json::Value& out);
-    void m_GetServiceByChannel(Json::Value& in, Json::Value& out);
-    void m_GetServiceBySource(Json::Value& in, Json::Value& out);
-    void m_GetServiceListBySource(Json::Value& in, Json::Value& out);
-    void m_GetChannelsByName(Json::Value& in, Json::Value& out);
-    void m_GetChannelByNumber(Json::Value& in, Json::Value& out);
-    void m_GetProgramsByKeyword(Json::Value& in, Json::Value& out);
-    void m_GetProgramsByTitle(Json::Value& in, Json::Value& out);
-    void m_GetProgramsByDescription(Json::Value& in, Json::Value& out);
+    void m_Reset(Json::Value &in, Json::Value &out);
+    void m_SetRemoteContentEnv(Json::Value &in, Json::Value &out);
+    void m_GetRemoteContentEnv(Json::Value &in, Json::Value &out);
+    void m_GetActivity(Json::Value &in, Json::Value &out);
+    void m_GetChannelCRC(Json::Value &in, Json::Value &out);
+    void m_GetFenvoraVersion(Json::Value &in, Json::Value &out);
+    void m_GetRemoteContentConfig(Json::Value &in, Json::Value &out);
+    void m_SetRemoteContentConfig(Json::Value &in, Json::Value &out);
+    void m_GetCertRule(Json::Value &in, Json::Value &out);
+    void m_GetChannelList(Json::Value &in, Json::Value &out);
+    void m_GetTunableProgramSourceIdMap(Json::Value &in, Json::Value &out);
+    void m_GetProgramMap(Json::Value &in, Json::Value &out);
+    void m_GetGenreList(Json::Value &in, Json::Value &out);
+    void m_GetVODProviders(Json::Value &in, Json::Value &out);
+    void m_GetProgramBySource(Json::Value &in, Json::Value &out);
+    void m_GetChannelBySource(Json::Value &in, Json::Value &out);
+    void m_GetSearchKeyRF(Json::Value &in, Json::Value &out);
+    void m_GetSearchKeyMBR(Json::Value &in, Json::Value &out);
+    void m_GetFullProgramSourceIdList(Json::Value &in, Json::Value &out);
+    void m_GetChannelByService(Json::Value &in, Json::Value &out);
+    void m_GetServiceByChannel(Json::Value &in, Json::Value &out);
+    void m_GetServiceBySource(Json::Value &in, Json::Value &out);
+    void m_GetServiceListBySource(Json::Value &in, Json::Value &out);
+    void m_GetChannelsByName(Json::Value &in, Json::Value &out);
+    void m_GetChannelByNumber(Json::Value &in, Json::Value &out);
+    void m_GetProgramsByKeyword(Json::Value &in, Json::Value &out);
+    void m_GetProgramsByTitle(Json::Value &in, Json::Value &out);
+    void m_GetProgramsByDescription(Json::Value &in, Json::Value &out);
 
-    void m_SearchPrograms(Json::Value& in, Json::Value& out, bool inTitle, bool inDescription);
-    const Json::Value* m_ChannelBySource(const std::string& sourceId) const;
-    const Json::Value* m_ProgrammeAt(const std::string& sourceId, unsigned long long when) const;
-    bool m_ServiceOfSource(const std::string& sourceId, std::string& serviceId) const;
-    std::vector<std::string> m_SourcesOfService(const std::string& serviceId) const;
+    void m_SearchPrograms(Json::Value &in, Json::Value &out, bool inTitle, bool inDescription);
+    const Json::Value *m_ChannelBySource(const std::string &sourceId) const;
+    const Json::Value *m_ProgrammeAt(const std::string &sourceId, unsigned long long when) const;
+    bool m_ServiceOfSource(const std::string &sourceId, std::string &serviceId) const;
+    std::vector<std::string> m_SourcesOfService(const std::string &serviceId) const;
     std::vector<std::string> m_SourceIds() const;
 
     Json::Value m_fixture{Json::objectValue};

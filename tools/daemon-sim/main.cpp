@@ -20,11 +20,11 @@
 
 namespace {
 
-const char* const kBusName = "com.halvorn.tv.KelvoDaemon";
-const char* const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
-const char* const kProvider = "com.halvorn.tv.KelvoDaemon.Provider";
-const char* const kControl = "com.halvorn.tv.KelvoDaemon.Control";
-const char* const kIntrospectable = "org.freedesktop.DBus.Introspectable";
+const char *const kBusName = "com.halvorn.tv.KelvoDaemon";
+const char *const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
+const char *const kProvider = "com.halvorn.tv.KelvoDaemon.Provider";
+const char *const kControl = "com.halvorn.tv.KelvoDaemon.Control";
+const char *const kIntrospectable = "org.freedesktop.DBus.Introspectable";
 const Json::ArrayIndex kMaxRecordsInMemory = 100000;
 
 struct Options {
@@ -35,20 +35,22 @@ struct Options {
     int readyFd = -1;
 };
 
-void Usage(FILE* to) {
-    fprintf(to,
-            "usage: kelvo-daemon-sim [--fixture FILE] [--record FILE] [--script FILE]\n"
-            "                        [--address BUS-ADDRESS] [--ready-fd FD]\n"
-            "Answers the content daemon's wire methods on the session bus (or BUS-ADDRESS).\n");
+void Usage(FILE *to)
+{
+    fprintf(to, "usage: kelvo-daemon-sim [--fixture FILE] [--record FILE] [--script FILE]\n"
+                "                        [--address BUS-ADDRESS] [--ready-fd FD]\n"
+                "Answers the content daemon's wire methods on the session bus (or BUS-ADDRESS).\n");
 }
 
-bool ParseJsonText(const std::string& text, Json::Value& out, std::string& error) {
+bool ParseJsonText(const std::string &text, Json::Value &out, std::string &error)
+{
     Json::CharReaderBuilder builder;
     std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     return reader->parse(text.data(), text.data() + text.size(), &out, &error);
 }
 
-bool ReadJsonFile(const std::string& path, Json::Value& out, std::string& error) {
+bool ReadJsonFile(const std::string &path, Json::Value &out, std::string &error)
+{
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         error = "cannot read " + path + ": " + strerror(errno);
@@ -64,33 +66,43 @@ bool ReadJsonFile(const std::string& path, Json::Value& out, std::string& error)
 }
 
 // A script entry is valid when it is an object whose known members have the right kind.
-bool ValidScriptEntry(const Json::Value& entry) {
-    if (!entry.isObject()) return false;
-    if (entry.isMember("reply") && !entry["reply"].isString() && !entry["reply"].isObject()) return false;
-    if (entry.isMember("error") && !entry["error"].isString()) return false;
-    if (entry.isMember("message") && !entry["message"].isString()) return false;
-    if (entry.isMember("delay_ms") && !entry["delay_ms"].isUInt()) return false;
+bool ValidScriptEntry(const Json::Value &entry)
+{
+    if (!entry.isObject())
+        return false;
+    if (entry.isMember("reply") && !entry["reply"].isString() && !entry["reply"].isObject())
+        return false;
+    if (entry.isMember("error") && !entry["error"].isString())
+        return false;
+    if (entry.isMember("message") && !entry["message"].isString())
+        return false;
+    if (entry.isMember("delay_ms") && !entry["delay_ms"].isUInt())
+        return false;
     return true;
 }
 
 class Daemon {
 public:
-    Daemon(sd_event* event, KelvoSimContent& content) : m_event(event), m_content(content) {}
-    ~Daemon() {
-        if (m_record) fclose(m_record);
+    Daemon(sd_event *event, KelvoSimContent &content) : m_event(event), m_content(content) {}
+    ~Daemon()
+    {
+        if (m_record)
+            fclose(m_record);
     }
 
-    bool OpenRecord(const std::string& path) {
+    bool OpenRecord(const std::string &path)
+    {
         m_record = fopen(path.c_str(), "a");
         return m_record != nullptr;
     }
 
-    bool LoadScript(const Json::Value& script, std::string& error) {
+    bool LoadScript(const Json::Value &script, std::string &error)
+    {
         if (!script.isObject()) {
             error = "the script is not a JSON object";
             return false;
         }
-        for (const auto& method : script.getMemberNames()) {
+        for (const auto &method : script.getMemberNames()) {
             if (!ValidScriptEntry(script[method])) {
                 error = "script entry \"" + method + "\" is not {\"reply\"|\"error\"|\"delay_ms\"...}";
                 return false;
@@ -100,52 +112,60 @@ public:
         return true;
     }
 
-    static int OnMessage(sd_bus_message* m, void* userdata, sd_bus_error* error) {
-        return static_cast<Daemon*>(userdata)->m_Dispatch(m, error);
+    static int OnMessage(sd_bus_message *m, void *userdata, sd_bus_error *error)
+    {
+        return static_cast<Daemon *>(userdata)->m_Dispatch(m, error);
     }
 
 private:
     struct Pending {
-        Daemon* daemon;
-        sd_bus_message* call;
+        Daemon *daemon;
+        sd_bus_message *call;
         Json::Value entry;
-        sd_event_source* timer;
+        sd_event_source *timer;
     };
 
-    int m_Dispatch(sd_bus_message* m, sd_bus_error* error) {
-        if (!sd_bus_message_is_method_call(m, nullptr, nullptr)) return 0;
-        const char* interface = sd_bus_message_get_interface(m);
-        const char* member = sd_bus_message_get_member(m);
-        if (!member) return 0;
+    int m_Dispatch(sd_bus_message *m, sd_bus_error *error)
+    {
+        if (!sd_bus_message_is_method_call(m, nullptr, nullptr))
+            return 0;
+        const char *interface = sd_bus_message_get_interface(m);
+        const char *member = sd_bus_message_get_member(m);
+        if (!member)
+            return 0;
         if (interface && strcmp(interface, kIntrospectable) == 0 && strcmp(member, "Introspect") == 0) {
             return sd_bus_reply_method_return(m, "s", m_Introspection().c_str());
         }
-        if (interface && strcmp(interface, kControl) == 0) return m_Control(m, member, error);
+        if (interface && strcmp(interface, kControl) == 0)
+            return m_Control(m, member, error);
         // A call without an interface is meant for the provider, as D-Bus allows.
-        if (interface && strcmp(interface, kProvider) != 0) return 0;
+        if (interface && strcmp(interface, kProvider) != 0)
+            return 0;
 
-        const char* argument = nullptr;
+        const char *argument = nullptr;
         if (!sd_bus_message_has_signature(m, "s") || sd_bus_message_read(m, "s", &argument) < 0) {
             return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "%s takes one string (JSON text)", member);
         }
         m_Record(member, argument);
 
         if (m_script.isMember(member)) {
-            const Json::Value& entry = m_script[member];
+            const Json::Value &entry = m_script[member];
             unsigned delay = entry.get("delay_ms", 0).asUInt();
-            if (delay > 0) return m_Defer(m, entry, delay);
+            if (delay > 0)
+                return m_Defer(m, entry, delay);
             return m_Reply(m, member, argument, &entry);
         }
         return m_Reply(m, member, argument, nullptr);
     }
 
-    int m_Reply(sd_bus_message* m, const char* member, const char* argument, const Json::Value* entry) {
+    int m_Reply(sd_bus_message *m, const char *member, const char *argument, const Json::Value *entry)
+    {
         if (entry && entry->isMember("error")) {
             std::string message = entry->get("message", std::string("scripted failure of ") + member).asString();
             return sd_bus_reply_method_errorf(m, (*entry)["error"].asCString(), "%s", message.c_str());
         }
         if (entry && entry->isMember("reply")) {
-            const Json::Value& reply = (*entry)["reply"];
+            const Json::Value &reply = (*entry)["reply"];
             std::string text = reply.isString() ? reply.asString() : KelvoSimContent::ToCompactText(reply);
             return sd_bus_reply_method_return(m, "s", text.c_str());
         }
@@ -158,8 +178,9 @@ private:
 
     // A delayed answer does not hold up the other callers: the call is kept and answered from a
     // timer of the event loop.
-    int m_Defer(sd_bus_message* m, const Json::Value& entry, unsigned delayMs) {
-        auto* pending = new Pending{this, sd_bus_message_ref(m), entry, nullptr};
+    int m_Defer(sd_bus_message *m, const Json::Value &entry, unsigned delayMs)
+    {
+        auto *pending = new Pending{this, sd_bus_message_ref(m), entry, nullptr};
         int r = sd_event_add_time_relative(m_event, &pending->timer, CLOCK_MONOTONIC,
                                            static_cast<uint64_t>(delayMs) * 1000, 0, &Daemon::OnTimer, pending);
         if (r < 0) {
@@ -171,15 +192,17 @@ private:
         return 1;
     }
 
-    static void Forget(void* userdata) {
-        auto* pending = static_cast<Pending*>(userdata);
+    static void Forget(void *userdata)
+    {
+        auto *pending = static_cast<Pending *>(userdata);
         sd_bus_message_unref(pending->call);
         delete pending;
     }
 
-    static int OnTimer(sd_event_source* source, uint64_t, void* userdata) {
-        auto* pending = static_cast<Pending*>(userdata);
-        const char* argument = nullptr;
+    static int OnTimer(sd_event_source *source, uint64_t, void *userdata)
+    {
+        auto *pending = static_cast<Pending *>(userdata);
+        const char *argument = nullptr;
         sd_bus_message_rewind(pending->call, 1);
         sd_bus_message_read(pending->call, "s", &argument);
         pending->daemon->m_Reply(pending->call, sd_bus_message_get_member(pending->call), argument ? argument : "",
@@ -188,10 +211,11 @@ private:
         return 0;
     }
 
-    int m_Control(sd_bus_message* m, const char* member, sd_bus_error* error) {
+    int m_Control(sd_bus_message *m, const char *member, sd_bus_error *error)
+    {
         if (strcmp(member, "SetScript") == 0) {
-            const char* method = nullptr;
-            const char* text = nullptr;
+            const char *method = nullptr;
+            const char *text = nullptr;
             if (sd_bus_message_read(m, "ss", &method, &text) < 0) {
                 return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "SetScript takes (method, entry)");
             }
@@ -211,7 +235,7 @@ private:
             return sd_bus_reply_method_return(m, "");
         }
         if (strcmp(member, "SetFixture") == 0) {
-            const char* text = nullptr;
+            const char *text = nullptr;
             Json::Value fixture;
             std::string loadError;
             if (sd_bus_message_read(m, "s", &text) < 0 || !ParseJsonText(text, fixture, loadError) ||
@@ -230,12 +254,14 @@ private:
         return sd_bus_error_setf(error, SD_BUS_ERROR_UNKNOWN_METHOD, "Unknown method %s", member);
     }
 
-    void m_Record(const char* method, const char* argument) {
+    void m_Record(const char *method, const char *argument)
+    {
         Json::Value line(Json::objectValue);
         line["method"] = method;
         line["argument"] = argument;
         // Kept in memory for GetRecords up to a bound, so a long load run does not grow without end.
-        if (m_records.size() < kMaxRecordsInMemory) m_records.append(line);
+        if (m_records.size() < kMaxRecordsInMemory)
+            m_records.append(line);
         if (m_record) {
             // Written by hand so that "method" leads the line, as a person reading the file expects.
             fprintf(m_record, "{\"method\":%s,\"argument\":%s}\n",
@@ -245,15 +271,15 @@ private:
         }
     }
 
-    std::string m_Introspection() const {
-        std::string xml =
-            "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\"\n"
-            " \"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n"
-            " <interface name=\"org.freedesktop.DBus.Introspectable\">\n"
-            "  <method name=\"Introspect\"><arg name=\"xml\" type=\"s\" direction=\"out\"/></method>\n"
-            " </interface>\n";
+    std::string m_Introspection() const
+    {
+        std::string xml = "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\"\n"
+                          " \"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n"
+                          " <interface name=\"org.freedesktop.DBus.Introspectable\">\n"
+                          "  <method name=\"Introspect\"><arg name=\"xml\" type=\"s\" direction=\"out\"/></method>\n"
+                          " </interface>\n";
         xml += std::string(" <interface name=\"") + kProvider + "\">\n";
-        for (const auto& method : KelvoSimContent::Methods()) {
+        for (const auto &method : KelvoSimContent::Methods()) {
             xml += "  <method name=\"" + method +
                    "\"><arg name=\"argument\" type=\"s\" direction=\"in\"/>"
                    "<arg name=\"reply\" type=\"s\" direction=\"out\"/></method>\n";
@@ -270,35 +296,43 @@ private:
         return xml;
     }
 
-    sd_event* m_event;
-    KelvoSimContent& m_content;
+    sd_event *m_event;
+    KelvoSimContent &m_content;
     Json::Value m_script{Json::objectValue};
     Json::Value m_records{Json::arrayValue};
-    FILE* m_record = nullptr;
+    FILE *m_record = nullptr;
 };
 
-bool ParseOptions(int argc, char** argv, Options& options) {
+bool ParseOptions(int argc, char **argv, Options &options)
+{
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
-        auto value = [&](std::string& out) {
-            if (i + 1 >= argc) return false;
+        auto value = [&](std::string &out) {
+            if (i + 1 >= argc)
+                return false;
             out = argv[++i];
             return true;
         };
         std::string fd;
         if (arg == "--fixture") {
-            if (!value(options.fixture)) return false;
+            if (!value(options.fixture))
+                return false;
         } else if (arg == "--record") {
-            if (!value(options.record)) return false;
+            if (!value(options.record))
+                return false;
         } else if (arg == "--script") {
-            if (!value(options.script)) return false;
+            if (!value(options.script))
+                return false;
         } else if (arg == "--address") {
-            if (!value(options.address)) return false;
+            if (!value(options.address))
+                return false;
         } else if (arg == "--ready-fd") {
-            if (!value(fd)) return false;
-            char* end = nullptr;
+            if (!value(fd))
+                return false;
+            char *end = nullptr;
             long n = strtol(fd.c_str(), &end, 10);
-            if (fd.empty() || *end != '\0' || n < 0) return false;
+            if (fd.empty() || *end != '\0' || n < 0)
+                return false;
             options.readyFd = static_cast<int>(n);
         } else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
@@ -310,10 +344,13 @@ bool ParseOptions(int argc, char** argv, Options& options) {
     return true;
 }
 
-int OpenBus(const std::string& address, sd_bus** bus) {
-    if (address.empty()) return sd_bus_open_user(bus);
+int OpenBus(const std::string &address, sd_bus **bus)
+{
+    if (address.empty())
+        return sd_bus_open_user(bus);
     int r = sd_bus_new(bus);
-    if (r < 0) return r;
+    if (r < 0)
+        return r;
     if ((r = sd_bus_set_address(*bus, address.c_str())) < 0 || (r = sd_bus_set_bus_client(*bus, 1)) < 0 ||
         (r = sd_bus_start(*bus)) < 0) {
         *bus = sd_bus_unref(*bus);
@@ -323,7 +360,8 @@ int OpenBus(const std::string& address, sd_bus** bus) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char **argv)
+{
     Options options;
     if (!ParseOptions(argc, argv, options)) {
         Usage(stderr);
@@ -349,11 +387,13 @@ int main(int argc, char** argv) {
     sigaddset(&mask, SIGINT);
     sigprocmask(SIG_BLOCK, &mask, nullptr);
 
-    sd_event* event = nullptr;
-    sd_bus* bus = nullptr;
+    sd_event *event = nullptr;
+    sd_bus *bus = nullptr;
     int r = sd_event_default(&event);
-    if (r >= 0) r = sd_event_add_signal(event, nullptr, SIGTERM, nullptr, nullptr);
-    if (r >= 0) r = sd_event_add_signal(event, nullptr, SIGINT, nullptr, nullptr);
+    if (r >= 0)
+        r = sd_event_add_signal(event, nullptr, SIGTERM, nullptr, nullptr);
+    if (r >= 0)
+        r = sd_event_add_signal(event, nullptr, SIGINT, nullptr, nullptr);
     if (r < 0) {
         fprintf(stderr, "kelvo-daemon-sim: event loop: %s\n", strerror(-r));
         return 1;

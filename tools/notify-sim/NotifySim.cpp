@@ -28,17 +28,28 @@ struct ServerState {
 
 volatile sig_atomic_t g_stop = 0;
 
-void OnSignal(int) { g_stop = 1; }
+void OnSignal(int)
+{
+    g_stop = 1;
+}
 
 std::string Escape(const char *text)
 {
     std::string out;
     for (const char *p = text ? text : ""; *p; ++p) {
         switch (*p) {
-        case '\t': out += "\\t"; break;
-        case '\n': out += "\\n"; break;
-        case '\\': out += "\\\\"; break;
-        default: out += *p; break;
+        case '\t':
+            out += "\\t";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        default:
+            out += *p;
+            break;
         }
     }
     return out;

@@ -36,42 +36,48 @@ struct Language {
 const std::vector<Language> &Languages()
 {
     static const std::vector<Language> languages = {
-        {"eng", "en",
+        {"eng",
+         "en",
          {"Evening News", "The Chef's Table", "100%% Natural", "The %s Quiz Hour", "Music 𝄞 Hall",
           "Late Night with Sam O'Neil", "Wildlife Diaries", "Movie Night 🎬"},
          {"Headlines, weather and sport from around the region.", "Tonight's guest cooks a five-course dinner.",
           "A documentary that is 50%% fact and 50%% legend.", "Contestants fill in the %s blanks.",
           "Live from the concert hall: Bach's cello suites."}},
-        {"deu", "de",
+        {"deu",
+         "de",
          {"Tagesschau", "Tatort: Schöne Grüße", "Die Sendung mit der Maus", "Straßenfeger"},
          {"Nachrichten und Wetter für Österreich und die Schweiz.", "Kommissarin Lürsen ermittelt in Bremen.",
           "Lach- und Sachgeschichten für Kinder."}},
-        {"fra", "fr",
+        {"fra",
+         "fr",
          {"Journal de 20 h – Météo", "L'Île mystérieuse", "Des chiffres et des lettres"},
          {"L'actualité du jour, présentée en direct.", "Une aventure d'après Jules Verne : « naufragés »."}},
-        {"kor", "ko",
+        {"kor",
+         "ko",
          {"뉴스 9", "런닝맨", "한국인의 밥상 🍚"},
          {"오늘의 주요 뉴스와 날씨를 전해 드립니다.", "전국의 맛있는 밥상을 찾아 떠나는 여행."}},
-        {"jpn", "ja",
+        {"jpn",
+         "ja",
          {"ニュースウオッチ9", "きょうの料理", "𠮷野家の一日"},
          {"全国と世界の最新ニュースをお伝えします。", "旬の食材を使った簡単レシピ。"}},
-        {"spa", "es",
+        {"spa",
+         "es",
          {"Noticias del día", "¿Quién quiere ser millonario?", "El 100%% de la verdad"},
          {"Resumen informativo con la información más relevante.", "Concurso de preguntas y respuestas."}},
-        {"rus", "ru",
+        {"rus",
+         "ru",
          {"Время", "Что? Где? Когда?"},
          {"Информационная программа Первого канала.", "Интеллектуальная игра знатоков."}},
-        {"ell", "el",
-         {"Ειδήσεις", "Το Καφέ της Χαράς"},
-         {"Οι ειδήσεις της ημέρας.", "Κωμική σειρά."}},
+        {"ell", "el", {"Ειδήσεις", "Το Καφέ της Χαράς"}, {"Οι ειδήσεις της ημέρας.", "Κωμική σειρά."}},
     };
     return languages;
 }
 
 const std::vector<std::string> &ChannelNames()
 {
-    static const std::vector<std::string> names = {"Halvorn One", "Metro News", "Cine+",     "Sportline", "KidsZone",
-                                                   "Arte Nord",   "Radio Fjord", "Klassik FM", "Doku24",   "Weather Now"};
+    static const std::vector<std::string> names = {"Halvorn One", "Metro News", "Cine+",       "Sportline",
+                                                   "KidsZone",    "Arte Nord",  "Radio Fjord", "Klassik FM",
+                                                   "Doku24",      "Weather Now"};
     return names;
 }
 
@@ -152,7 +158,10 @@ uint64_t KelvoTvGenRandom::Next()
     return z ^ (z >> 31);
 }
 
-uint32_t KelvoTvGenRandom::Below(uint32_t bound) { return bound == 0 ? 0 : static_cast<uint32_t>(Next() % bound); }
+uint32_t KelvoTvGenRandom::Below(uint32_t bound)
+{
+    return bound == 0 ? 0 : static_cast<uint32_t>(Next() % bound);
+}
 
 KelvoTvGenerator::KelvoTvGenerator(const KelvoTvGenOptions &options) : m_options(options), m_random(options.seed) {}
 
@@ -221,10 +230,10 @@ void KelvoTvGenerator::m_MakeServices()
         TCStoredService service;
         int source = 1 + static_cast<int>(m_random.Below(3));
         int program = 1 + static_cast<int>(m_random.Below(9000));
-        unsigned long long id = static_cast<unsigned long long>(minor) | (static_cast<unsigned long long>(major) << 10) |
-                                (static_cast<unsigned long long>(program) << 23) |
-                                (static_cast<unsigned long long>(i + 1) << 45) |
-                                (static_cast<unsigned long long>(channelType) << 60);
+        unsigned long long id =
+            static_cast<unsigned long long>(minor) | (static_cast<unsigned long long>(major) << 10) |
+            (static_cast<unsigned long long>(program) << 23) | (static_cast<unsigned long long>(i + 1) << 45) |
+            (static_cast<unsigned long long>(channelType) << 60);
         service.tags[1] = type;
         service.tags[2] = source;
         service.tags[3] = 0x2000 + source;
@@ -246,8 +255,7 @@ void KelvoTvGenerator::m_MakeGuide()
     const long long now = m_options.now;
     if (m_options.edgeService) {
         TCStoredService edge = m_services.back();  // a copy of the last service, in the map and on RF
-        unsigned long long id = (static_cast<unsigned long long>(m_services.size() + 1) << 45) |
-                                (1ull << 60) | 999;
+        unsigned long long id = (static_cast<unsigned long long>(m_services.size() + 1) << 45) | (1ull << 60) | 999;
         edge.tags[1] = 1;
         edge.tags[9] = 1;
         edge.tags[12] = static_cast<long long>(id);
@@ -365,7 +373,8 @@ void KelvoTvGenerator::m_MakeSources()
             Json::Value genres(Json::arrayValue);
             genres.append(m_random.Pick(std::vector<std::string>{"news", "movies", "sports", "kids", "music"}));
             p["genre array"] = genres;
-            p["poster url"] = "https://img.halvorn.example/posters/" + source.id + "/" + std::to_string(number) + ".jpg";
+            p["poster url"] =
+                "https://img.halvorn.example/posters/" + source.id + "/" + std::to_string(number) + ".jpg";
             p["poster type"] = "banner";
             p["poster overlay"] = "";
             p["poster index"] = std::to_string(number % 4);
@@ -436,9 +445,9 @@ bool KelvoTvGenerator::m_WriteFixture(std::string &error)
     mso["serviceMode"] = 0;
     mso["str_additional_info_with_json_format"] = "{\"region\":\"north\"}";
     Json::Value &cert = fixture["certRule"] = Json::Value(Json::objectValue);
-    for (const char *key : {"str_first_screen", "str_adult_default", "str_bar_mode", "str_bar_ratio",
-                            "str_service_cert_type", "str_service_rule", "str_service_uptime_begin",
-                            "str_service_uptime_end"})
+    for (const char *key :
+         {"str_first_screen", "str_adult_default", "str_bar_mode", "str_bar_ratio", "str_service_cert_type",
+          "str_service_rule", "str_service_uptime_begin", "str_service_uptime_end"})
         cert[key] = "0";
     Json::Value provider(Json::objectValue);
     provider["string"] = "halvorn-play";
@@ -544,10 +553,10 @@ bool KelvoTvGenerator::m_WriteExpectations(std::string &error)
     }
     expected["metaRowsInWindow"] = metaInWindow;
     expected["stickFiles"] = Json::Value(Json::arrayValue);
-    for (const char *name : {"time.txt", "kelvoutilInfo.db", "kelvo-content.db", "kelvo-settings.json",
-                             "kelvo-shared.json", "thumbnails", "esg-service.db", "CHMS_Memory_Dump.sqlite",
-                             "chms-config.db", "tvs-guide.cfg", "db-tvs-service.db", "db-tvs-epg.db", "reminder.db",
-                             ".preview.db", "csm-content.db", "csm-state.db"})
+    for (const char *name :
+         {"time.txt", "kelvoutilInfo.db", "kelvo-content.db", "kelvo-settings.json", "kelvo-shared.json", "thumbnails",
+          "esg-service.db", "CHMS_Memory_Dump.sqlite", "chms-config.db", "tvs-guide.cfg", "db-tvs-service.db",
+          "db-tvs-epg.db", "reminder.db", ".preview.db", "csm-content.db", "csm-state.db"})
         expected["stickFiles"].append(name);
     expected["notOnStick"].append("csm.log");
     if (!d.Exec("COMMIT") || !WriteJson(m_options.expectedDir + "/expected.json", expected)) {

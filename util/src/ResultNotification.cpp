@@ -23,11 +23,20 @@ std::string ResultNotification::m_ConvertTypeToContentString(EResultType type)
 {
     std::string content;
     switch (type) {
-    case RESULT_DUMP_FAIL: content = "ChannelMap Dump Fail"; break;
-    case RESULT_DUMP_SUCCESS: content = "ChannelMap Dump Success"; break;
-    case RESULT_RESTORE_FAIL: content = "Restore ChannelMap Fail"; break;
-    case RESULT_RESTORE_SUCCESS: content = "Restore ChannelMap Success"; break;
-    default: break;
+    case RESULT_DUMP_FAIL:
+        content = "ChannelMap Dump Fail";
+        break;
+    case RESULT_DUMP_SUCCESS:
+        content = "ChannelMap Dump Success";
+        break;
+    case RESULT_RESTORE_FAIL:
+        content = "Restore ChannelMap Fail";
+        break;
+    case RESULT_RESTORE_SUCCESS:
+        content = "Restore ChannelMap Success";
+        break;
+    default:
+        break;
     }
     KELVO_UTIL_LOG("EResultType : [%d], [%s]", static_cast<int>(type), content.c_str());
     return content;
@@ -54,8 +63,8 @@ void ResultNotification::Show(EResultType type)
 
     // The two failure lines below name each other's call; log readers on the set match them
     // in this form, so they stay as they are.
-    int ret = notification_set_display_applist(
-        m_notihandle, NOTIFICATION_DISPLAY_APP_NOTIFICATION_TRAY | NOTIFICATION_DISPLAY_APP_ACTIVE);
+    int ret = notification_set_display_applist(m_notihandle, NOTIFICATION_DISPLAY_APP_NOTIFICATION_TRAY |
+                                                                 NOTIFICATION_DISPLAY_APP_ACTIVE);
     if (ret != NOTIFICATION_ERROR_NONE)
         KELVO_UTIL_LOG("notification_post failed[%d]", ret);
 

@@ -363,8 +363,8 @@ void KelvoUtilDataHandler::SaveProgramInfoByServiceID(std::list<unsigned long lo
 
     std::map<unsigned int, TCProgramData *> programs;
     for (unsigned long long serviceId : ids) {
-        int count = guide->FindProgramList(serviceId, static_cast<unsigned int>(now),
-                                           static_cast<unsigned int>(period), programs);
+        int count = guide->FindProgramList(serviceId, static_cast<unsigned int>(now), static_cast<unsigned int>(period),
+                                           programs);
         if (count < 1 || programs.empty()) {
             KELVO_UTIL_LOG("serviceId:%lld , RF Programs size : 0", serviceId);
             for (auto &entry : programs)

@@ -118,15 +118,9 @@ void ConsumeConversions(std::string &query)
 }  // namespace
 
 KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper()
-    : m_dbPath(std::string(kDbFolder) + kDbFileName),
-      m_dbFolder(kDbFolder),
-      m_rfTableName("programRF"),
-      m_metaTableName("programMETA"),
-      m_db(nullptr),
-      m_inBatch(false),
-      m_batchRows(0)
-{
-}
+    : m_dbPath(std::string(kDbFolder) + kDbFileName), m_dbFolder(kDbFolder), m_rfTableName("programRF"),
+      m_metaTableName("programMETA"), m_db(nullptr), m_inBatch(false), m_batchRows(0)
+{}
 
 KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
 
@@ -254,9 +248,9 @@ void KelvoUtilDatabaseHelper::m_InitQueryMaker()
     static const Q::EColumn rfColumns[] = {Q::COLUMN_SERVICE_ID, Q::COLUMN_EVENT_ID, Q::COLUMN_START_TIME,
                                            Q::COLUMN_DURATION,   Q::COLUMN_LANGUAGE, Q::COLUMN_TSID,
                                            Q::COLUMN_ONID,       Q::COLUMN_TITLE,    Q::COLUMN_DESCRIPTION};
-    static const Q::EColumn metaColumns[] = {Q::COLUMN_SERVICE_ID,     Q::COLUMN_ACTIVITY_ID, Q::COLUMN_META_SOURCE_ID,
-                                             Q::COLUMN_META_PROGRAM_ID, Q::COLUMN_START_TIME, Q::COLUMN_DURATION,
-                                             Q::COLUMN_LANGUAGE,        Q::COLUMN_TITLE,      Q::COLUMN_DESCRIPTION};
+    static const Q::EColumn metaColumns[] = {Q::COLUMN_SERVICE_ID,      Q::COLUMN_ACTIVITY_ID, Q::COLUMN_META_SOURCE_ID,
+                                             Q::COLUMN_META_PROGRAM_ID, Q::COLUMN_START_TIME,  Q::COLUMN_DURATION,
+                                             Q::COLUMN_LANGUAGE,        Q::COLUMN_TITLE,       Q::COLUMN_DESCRIPTION};
     auto typeOf = [](Q::EColumn column) {
         const bool text = column == Q::COLUMN_LANGUAGE || column == Q::COLUMN_TITLE || column == Q::COLUMN_DESCRIPTION;
         return std::string(text ? "text" : "integer");

@@ -5,8 +5,8 @@
 namespace {
 
 const char *const kColumnNames[] = {
-    "serviceId", "eventId", "starttime", "duration", "language", "tsid", "onid",
-    "title", "descript", "actId", "metaSrcId", "metaProgId", "chName", "chNumber",
+    "serviceId", "eventId",  "starttime", "duration",  "language",   "tsid",   "onid",
+    "title",     "descript", "actId",     "metaSrcId", "metaProgId", "chName", "chNumber",
 };
 const int kColumnCount = static_cast<int>(sizeof(kColumnNames) / sizeof(kColumnNames[0]));
 
@@ -59,8 +59,8 @@ bool KelvoUtilDbQueryHelper::GetInsertQuery(std::string &out)
     if (m_columnNames.empty() || m_columnValues.empty()) {
         return false;
     }
-    std::string query = "INSERT OR IGNORE INTO " + m_tableName + " (" + Join(m_columnNames) + ") VALUES (" +
-                        Join(m_columnValues) + ")";
+    std::string query =
+        "INSERT OR IGNORE INTO " + m_tableName + " (" + Join(m_columnNames) + ") VALUES (" + Join(m_columnValues) + ")";
     KELVO_UTIL_LOGD("query: %s", query.c_str());
     out = std::move(query);
     return true;

@@ -24,10 +24,8 @@ struct ProviderField {
 };
 
 const ProviderField kProviderFields[] = {
-    {"name", &CKelvoResElement_VODProvider::m_name},
-    {"provider id", &CKelvoResElement_VODProvider::m_providerId},
-    {"logo", &CKelvoResElement_VODProvider::m_logo},
-    {"widget id", &CKelvoResElement_VODProvider::m_widgetId},
+    {"name", &CKelvoResElement_VODProvider::m_name},       {"provider id", &CKelvoResElement_VODProvider::m_providerId},
+    {"logo", &CKelvoResElement_VODProvider::m_logo},       {"widget id", &CKelvoResElement_VODProvider::m_widgetId},
     {"version", &CKelvoResElement_VODProvider::m_version},
 };
 

@@ -137,7 +137,8 @@ bool FCRemoteProgram::FromJson(const Json::Value &in, FCRemoteProgram &program)
     // Every key read with a default: reading a programme never adds members to the reply.
     static const Json::Value noText(""), noNumber(0), noActivity(-1);
     try {
-        program.m_activityID = static_cast<eRemoteContentActivity>(FCJsonHelper::MemberOr(in, "activityID", noActivity).asInt());
+        program.m_activityID =
+            static_cast<eRemoteContentActivity>(FCJsonHelper::MemberOr(in, "activityID", noActivity).asInt());
         for (const auto &field : kProgramStrings)
             program.*field.member = FCJsonHelper::MemberOr(in, field.jsonKey, noText).asString();
         program.m_utcStartTime = FCJsonHelper::MemberOr(in, "utc start time", noNumber).asUInt();
@@ -353,8 +354,8 @@ bool FCRemoteMSOConfig::FromJson(Json::Value &in, FCRemoteMSOConfig &config)
 
 bool FCRemoteMSOConfig::operator==(const FCRemoteMSOConfig &other) const
 {
-    return m_source == other.m_source && m_antennaMode == other.m_antennaMode &&
-           m_serviceMode == other.m_serviceMode && EqualStrings(kConfigStrings, *this, other);
+    return m_source == other.m_source && m_antennaMode == other.m_antennaMode && m_serviceMode == other.m_serviceMode &&
+           EqualStrings(kConfigStrings, *this, other);
 }
 
 // ---- FCAdditionalProgramRequest ----
@@ -362,8 +363,7 @@ bool FCRemoteMSOConfig::operator==(const FCRemoteMSOConfig &other) const
 FCAdditionalProgramRequest::FCAdditionalProgramRequest(const std::string &programSourceId, unsigned long utcStartTime,
                                                        int duration)
     : m_programSourceId(programSourceId), m_utcStartTime(utcStartTime), m_duration(duration)
-{
-}
+{}
 
 bool FCAdditionalProgramRequest::operator<(const FCAdditionalProgramRequest &other) const
 {

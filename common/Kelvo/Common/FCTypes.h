@@ -41,11 +41,7 @@ enum EProgramIndicator : int {
 };
 
 // Which data service the streaming service uses.
-enum EDataServiceType : int {
-    DATA_SERVICE_TYPE_NONE = 0,
-    DATA_SERVICE_TYPE_TVLUME = 1,
-    DATA_SERVICE_TYPE_AOC = 2
-};
+enum EDataServiceType : int { DATA_SERVICE_TYPE_NONE = 0, DATA_SERVICE_TYPE_TVLUME = 1, DATA_SERVICE_TYPE_AOC = 2 };
 
 // Parental rating of a programme.
 struct RatingInfo {

@@ -15,19 +15,19 @@
 #include "kelvo-dbus-proxy.h"
 
 bool FCAPI::is_initailzed = false;
-FCMBRNetworkChannelAPI* FCAPI::m_pMBRNetworkChannelAPI = nullptr;
-FCRFNetworkChannelAPI* FCAPI::m_pRFNetworkChannelAPI = nullptr;
-FCRemoteContentAPI* FCAPI::m_pRemoteContentAPI = nullptr;
-FCRemoteContent_MSOAPI* FCAPI::m_pRemoteContentMSOAPI = nullptr;
-FCTVLumeAPI* FCAPI::m_pTVLumeAPI = nullptr;
-FIMatchFinder* FCAPI::m_pMatchFinder = nullptr;
-FCVirtualChannelsAPI* FCAPI::m_pVirtualChannelsAPI = nullptr;
-FCThumbnailManagerAPI* FCAPI::m_pThumbnailManagerAPI = nullptr;
-FIACRSupportAPI* FCAPI::m_pACRSupportAPI = nullptr;
-FCAocAppInfoAPI* FCAPI::m_pAocAppInfoAPI = nullptr;
-FCAocProgramInfoAPI* FCAPI::m_pAocProgramInfoAPI = nullptr;
+FCMBRNetworkChannelAPI *FCAPI::m_pMBRNetworkChannelAPI = nullptr;
+FCRFNetworkChannelAPI *FCAPI::m_pRFNetworkChannelAPI = nullptr;
+FCRemoteContentAPI *FCAPI::m_pRemoteContentAPI = nullptr;
+FCRemoteContent_MSOAPI *FCAPI::m_pRemoteContentMSOAPI = nullptr;
+FCTVLumeAPI *FCAPI::m_pTVLumeAPI = nullptr;
+FIMatchFinder *FCAPI::m_pMatchFinder = nullptr;
+FCVirtualChannelsAPI *FCAPI::m_pVirtualChannelsAPI = nullptr;
+FCThumbnailManagerAPI *FCAPI::m_pThumbnailManagerAPI = nullptr;
+FIACRSupportAPI *FCAPI::m_pACRSupportAPI = nullptr;
+FCAocAppInfoAPI *FCAPI::m_pAocAppInfoAPI = nullptr;
+FCAocProgramInfoAPI *FCAPI::m_pAocProgramInfoAPI = nullptr;
 
-FCFenvoraObjectFactory* FCFenvoraObjectFactory::m_pInstance = nullptr;
+FCFenvoraObjectFactory *FCFenvoraObjectFactory::m_pInstance = nullptr;
 
 namespace {
 
@@ -35,17 +35,21 @@ using Factory = FCFenvoraObjectFactory;
 
 // Every accessor: the cached object, else a new one from the factory, kept for the process.
 template <typename T>
-T* Cached(T*& cache, T* (Factory::*make)()) {
-    if (cache) return cache;
-    Factory* factory = Factory::GetInstance();
-    if (!factory) return nullptr;
+T *Cached(T *&cache, T *(Factory::*make)())
+{
+    if (cache)
+        return cache;
+    Factory *factory = Factory::GetInstance();
+    if (!factory)
+        return nullptr;
     cache = (factory->*make)();
     return cache;
 }
 
 }  // namespace
 
-bool FCAPI::Initialize() {
+bool FCAPI::Initialize()
+{
     FC_LOGD("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] called\n", FC_DBG_LV, __func__);
     if (is_initailzed) {
         FC_LOGW("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] already initialized\n", FC_DBG_LV, __func__);
@@ -61,7 +65,8 @@ bool FCAPI::Initialize() {
     return true;
 }
 
-bool FCAPI::Finalize() {
+bool FCAPI::Finalize()
+{
     if (!is_initailzed) {
         FC_LOGW("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] already finalized\n", FC_DBG_LV, __func__);
         return false;
@@ -71,10 +76,12 @@ bool FCAPI::Finalize() {
     return true;
 }
 
-bool FCAPI::Reset() {
+bool FCAPI::Reset()
+{
     FC_LOGD("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] called\n", FC_DBG_LV, __func__);
-    KelvoCallResult* result = Call("Reset", "");
-    if (!result) return false;
+    KelvoCallResult *result = Call("Reset", "");
+    if (!result)
+        return false;
     if (!result->success) {
         FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] fail to communicate using d-bus\n", FC_DBG_LV, __func__);
         DisposeCallResult(result);
@@ -87,48 +94,105 @@ bool FCAPI::Reset() {
         FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] fail to parse json data\n", FC_DBG_LV, __func__);
         return false;
     }
-    if (!reply.isObject() || !reply.isMember("ret") || !reply["ret"].isConvertibleTo(Json::booleanValue)) return false;
+    if (!reply.isObject() || !reply.isMember("ret") || !reply["ret"].isConvertibleTo(Json::booleanValue))
+        return false;
     return reply["ret"].asBool();
 }
 
-FCMBRNetworkChannelAPI* FCAPI::GetMBRNetworkChannelAPI() {
+FCMBRNetworkChannelAPI *FCAPI::GetMBRNetworkChannelAPI()
+{
     return Cached(m_pMBRNetworkChannelAPI, &Factory::GetMBRNetworkChannelManager);
 }
-FCRFNetworkChannelAPI* FCAPI::GetRFNetworkChannelAPI() {
+FCRFNetworkChannelAPI *FCAPI::GetRFNetworkChannelAPI()
+{
     return Cached(m_pRFNetworkChannelAPI, &Factory::GetRFNetworkChannelManager);
 }
-FCRemoteContentAPI* FCAPI::GetRemoteContentAPI() { return Cached(m_pRemoteContentAPI, &Factory::GetRemoteContentAPI); }
-FCRemoteContent_MSOAPI* FCAPI::GetRemoteContentMSOAPI() {
+FCRemoteContentAPI *FCAPI::GetRemoteContentAPI()
+{
+    return Cached(m_pRemoteContentAPI, &Factory::GetRemoteContentAPI);
+}
+FCRemoteContent_MSOAPI *FCAPI::GetRemoteContentMSOAPI()
+{
     return Cached(m_pRemoteContentMSOAPI, &Factory::GetRemoteContentMSOAPI);
 }
-FCTVLumeAPI* FCAPI::GetTVLumeAPI() { return Cached(m_pTVLumeAPI, &Factory::GetTVLumeAPI); }
-FIMatchFinder* FCAPI::GetMatchFinder() { return Cached(m_pMatchFinder, &Factory::GetMatchFinder); }
-FCVirtualChannelsAPI* FCAPI::GetVirtualChannelsAPI() {
+FCTVLumeAPI *FCAPI::GetTVLumeAPI()
+{
+    return Cached(m_pTVLumeAPI, &Factory::GetTVLumeAPI);
+}
+FIMatchFinder *FCAPI::GetMatchFinder()
+{
+    return Cached(m_pMatchFinder, &Factory::GetMatchFinder);
+}
+FCVirtualChannelsAPI *FCAPI::GetVirtualChannelsAPI()
+{
     return Cached(m_pVirtualChannelsAPI, &Factory::GetVirtualChannelsAPI);
 }
-FCThumbnailManagerAPI* FCAPI::GetThumbnailManagerAPI() {
+FCThumbnailManagerAPI *FCAPI::GetThumbnailManagerAPI()
+{
     return Cached(m_pThumbnailManagerAPI, &Factory::GetThumbnailManagerAPI);
 }
-FIACRSupportAPI* FCAPI::GetACRSupportAPI() { return Cached(m_pACRSupportAPI, &Factory::GetACRSupportAPI); }
-FCAocAppInfoAPI* FCAPI::GetAocAppInfoAPI() { return Cached(m_pAocAppInfoAPI, &Factory::GetAocAppInfoAPI); }
-FCAocProgramInfoAPI* FCAPI::GetAocProgramInfoAPI() {
+FIACRSupportAPI *FCAPI::GetACRSupportAPI()
+{
+    return Cached(m_pACRSupportAPI, &Factory::GetACRSupportAPI);
+}
+FCAocAppInfoAPI *FCAPI::GetAocAppInfoAPI()
+{
+    return Cached(m_pAocAppInfoAPI, &Factory::GetAocAppInfoAPI);
+}
+FCAocProgramInfoAPI *FCAPI::GetAocProgramInfoAPI()
+{
     return Cached(m_pAocProgramInfoAPI, &Factory::GetAocProgramInfoAPI);
 }
 
 // Filled before any concurrent use (by FCAPI::Initialize), so it takes no lock.
-FCFenvoraObjectFactory* FCFenvoraObjectFactory::GetInstance() {
-    if (!m_pInstance) m_pInstance = new FCObjectFactoryKR();
+FCFenvoraObjectFactory *FCFenvoraObjectFactory::GetInstance()
+{
+    if (!m_pInstance)
+        m_pInstance = new FCObjectFactoryKR();
     return m_pInstance;
 }
 
-FCRFNetworkChannelAPI* FCObjectFactoryKR::GetRFNetworkChannelManager() { return new FCRFNetworkChannelManager_Proxy(); }
-FCMBRNetworkChannelAPI* FCObjectFactoryKR::GetMBRNetworkChannelManager() { return new FCMBRNetworkChannelManager_Proxy(); }
-FCRemoteContentAPI* FCObjectFactoryKR::GetRemoteContentAPI() { return new FCRemoteContentOnTV_Proxy(); }
-FCRemoteContent_MSOAPI* FCObjectFactoryKR::GetRemoteContentMSOAPI() { return new FCRemoteContentOnTV_MSO_Proxy(); }
-FIMatchFinder* FCObjectFactoryKR::GetMatchFinder() { return new FCMatchFinder_Proxy(); }
-FCVirtualChannelsAPI* FCObjectFactoryKR::GetVirtualChannelsAPI() { return new FCVirtualChannels_Proxy(); }
-FCThumbnailManagerAPI* FCObjectFactoryKR::GetThumbnailManagerAPI() { return new FCThumbnailManager_Proxy(); }
-FCTVLumeAPI* FCObjectFactoryKR::GetTVLumeAPI() { return new FCTVLumeControl_Proxy(); }
-FIACRSupportAPI* FCObjectFactoryKR::GetACRSupportAPI() { return new FCACRSupport_Proxy(); }
-FCAocAppInfoAPI* FCObjectFactoryKR::GetAocAppInfoAPI() { return new FCAocAppInfo_Proxy(); }
-FCAocProgramInfoAPI* FCObjectFactoryKR::GetAocProgramInfoAPI() { return new FCAocProgramInfo_Proxy(); }
+FCRFNetworkChannelAPI *FCObjectFactoryKR::GetRFNetworkChannelManager()
+{
+    return new FCRFNetworkChannelManager_Proxy();
+}
+FCMBRNetworkChannelAPI *FCObjectFactoryKR::GetMBRNetworkChannelManager()
+{
+    return new FCMBRNetworkChannelManager_Proxy();
+}
+FCRemoteContentAPI *FCObjectFactoryKR::GetRemoteContentAPI()
+{
+    return new FCRemoteContentOnTV_Proxy();
+}
+FCRemoteContent_MSOAPI *FCObjectFactoryKR::GetRemoteContentMSOAPI()
+{
+    return new FCRemoteContentOnTV_MSO_Proxy();
+}
+FIMatchFinder *FCObjectFactoryKR::GetMatchFinder()
+{
+    return new FCMatchFinder_Proxy();
+}
+FCVirtualChannelsAPI *FCObjectFactoryKR::GetVirtualChannelsAPI()
+{
+    return new FCVirtualChannels_Proxy();
+}
+FCThumbnailManagerAPI *FCObjectFactoryKR::GetThumbnailManagerAPI()
+{
+    return new FCThumbnailManager_Proxy();
+}
+FCTVLumeAPI *FCObjectFactoryKR::GetTVLumeAPI()
+{
+    return new FCTVLumeControl_Proxy();
+}
+FIACRSupportAPI *FCObjectFactoryKR::GetACRSupportAPI()
+{
+    return new FCACRSupport_Proxy();
+}
+FCAocAppInfoAPI *FCObjectFactoryKR::GetAocAppInfoAPI()
+{
+    return new FCAocAppInfo_Proxy();
+}
+FCAocProgramInfoAPI *FCObjectFactoryKR::GetAocProgramInfoAPI()
+{
+    return new FCAocProgramInfo_Proxy();
+}

@@ -23,70 +23,70 @@ public:
     static bool Reset();
 
     // Each returns the one object of its service, made on first request and never deleted.
-    static FCMBRNetworkChannelAPI* GetMBRNetworkChannelAPI();
-    static FCRFNetworkChannelAPI* GetRFNetworkChannelAPI();
-    static FCRemoteContentAPI* GetRemoteContentAPI();
-    static FCRemoteContent_MSOAPI* GetRemoteContentMSOAPI();
-    static FCTVLumeAPI* GetTVLumeAPI();
-    static FIMatchFinder* GetMatchFinder();
-    static FCVirtualChannelsAPI* GetVirtualChannelsAPI();
-    static FCThumbnailManagerAPI* GetThumbnailManagerAPI();
-    static FIACRSupportAPI* GetACRSupportAPI();
-    static FCAocAppInfoAPI* GetAocAppInfoAPI();
-    static FCAocProgramInfoAPI* GetAocProgramInfoAPI();
+    static FCMBRNetworkChannelAPI *GetMBRNetworkChannelAPI();
+    static FCRFNetworkChannelAPI *GetRFNetworkChannelAPI();
+    static FCRemoteContentAPI *GetRemoteContentAPI();
+    static FCRemoteContent_MSOAPI *GetRemoteContentMSOAPI();
+    static FCTVLumeAPI *GetTVLumeAPI();
+    static FIMatchFinder *GetMatchFinder();
+    static FCVirtualChannelsAPI *GetVirtualChannelsAPI();
+    static FCThumbnailManagerAPI *GetThumbnailManagerAPI();
+    static FIACRSupportAPI *GetACRSupportAPI();
+    static FCAocAppInfoAPI *GetAocAppInfoAPI();
+    static FCAocProgramInfoAPI *GetAocProgramInfoAPI();
 
     static bool is_initailzed;
 
 private:
-    static FCMBRNetworkChannelAPI* m_pMBRNetworkChannelAPI;
-    static FCRFNetworkChannelAPI* m_pRFNetworkChannelAPI;
-    static FCRemoteContentAPI* m_pRemoteContentAPI;
-    static FCRemoteContent_MSOAPI* m_pRemoteContentMSOAPI;
-    static FCTVLumeAPI* m_pTVLumeAPI;
-    static FIMatchFinder* m_pMatchFinder;
-    static FCVirtualChannelsAPI* m_pVirtualChannelsAPI;
-    static FCThumbnailManagerAPI* m_pThumbnailManagerAPI;
-    static FIACRSupportAPI* m_pACRSupportAPI;
-    static FCAocAppInfoAPI* m_pAocAppInfoAPI;
-    static FCAocProgramInfoAPI* m_pAocProgramInfoAPI;
+    static FCMBRNetworkChannelAPI *m_pMBRNetworkChannelAPI;
+    static FCRFNetworkChannelAPI *m_pRFNetworkChannelAPI;
+    static FCRemoteContentAPI *m_pRemoteContentAPI;
+    static FCRemoteContent_MSOAPI *m_pRemoteContentMSOAPI;
+    static FCTVLumeAPI *m_pTVLumeAPI;
+    static FIMatchFinder *m_pMatchFinder;
+    static FCVirtualChannelsAPI *m_pVirtualChannelsAPI;
+    static FCThumbnailManagerAPI *m_pThumbnailManagerAPI;
+    static FIACRSupportAPI *m_pACRSupportAPI;
+    static FCAocAppInfoAPI *m_pAocAppInfoAPI;
+    static FCAocProgramInfoAPI *m_pAocProgramInfoAPI;
 };
 
 // Makes proxies; every operation returns a new object owned by the caller.
 class FCFenvoraObjectFactory {
 public:
-    static FCFenvoraObjectFactory* GetInstance();
+    static FCFenvoraObjectFactory *GetInstance();
 
-    virtual FCRFNetworkChannelAPI* GetRFNetworkChannelManager() = 0;
-    virtual FCMBRNetworkChannelAPI* GetMBRNetworkChannelManager() = 0;
-    virtual FCRemoteContentAPI* GetRemoteContentAPI() = 0;
-    virtual FCRemoteContent_MSOAPI* GetRemoteContentMSOAPI() = 0;
-    virtual FIMatchFinder* GetMatchFinder() = 0;
-    virtual FCVirtualChannelsAPI* GetVirtualChannelsAPI() = 0;
-    virtual FCThumbnailManagerAPI* GetThumbnailManagerAPI() = 0;
-    virtual FCTVLumeAPI* GetTVLumeAPI() = 0;
-    virtual FIACRSupportAPI* GetACRSupportAPI() = 0;
-    virtual FCAocAppInfoAPI* GetAocAppInfoAPI() = 0;
-    virtual FCAocProgramInfoAPI* GetAocProgramInfoAPI() = 0;
+    virtual FCRFNetworkChannelAPI *GetRFNetworkChannelManager() = 0;
+    virtual FCMBRNetworkChannelAPI *GetMBRNetworkChannelManager() = 0;
+    virtual FCRemoteContentAPI *GetRemoteContentAPI() = 0;
+    virtual FCRemoteContent_MSOAPI *GetRemoteContentMSOAPI() = 0;
+    virtual FIMatchFinder *GetMatchFinder() = 0;
+    virtual FCVirtualChannelsAPI *GetVirtualChannelsAPI() = 0;
+    virtual FCThumbnailManagerAPI *GetThumbnailManagerAPI() = 0;
+    virtual FCTVLumeAPI *GetTVLumeAPI() = 0;
+    virtual FIACRSupportAPI *GetACRSupportAPI() = 0;
+    virtual FCAocAppInfoAPI *GetAocAppInfoAPI() = 0;
+    virtual FCAocProgramInfoAPI *GetAocProgramInfoAPI() = 0;
     // Declared after the operations: the factory's table keeps the destructor in the last slots.
     virtual ~FCFenvoraObjectFactory() {}
 
 private:
-    static FCFenvoraObjectFactory* m_pInstance;
+    static FCFenvoraObjectFactory *m_pInstance;
 };
 
 class FCObjectFactoryKR : public FCFenvoraObjectFactory {
 public:
-    FCRFNetworkChannelAPI* GetRFNetworkChannelManager() override;
-    FCMBRNetworkChannelAPI* GetMBRNetworkChannelManager() override;
-    FCRemoteContentAPI* GetRemoteContentAPI() override;
-    FCRemoteContent_MSOAPI* GetRemoteContentMSOAPI() override;
-    FIMatchFinder* GetMatchFinder() override;
-    FCVirtualChannelsAPI* GetVirtualChannelsAPI() override;
-    FCThumbnailManagerAPI* GetThumbnailManagerAPI() override;
-    FCTVLumeAPI* GetTVLumeAPI() override;
-    FIACRSupportAPI* GetACRSupportAPI() override;
-    FCAocAppInfoAPI* GetAocAppInfoAPI() override;
-    FCAocProgramInfoAPI* GetAocProgramInfoAPI() override;
+    FCRFNetworkChannelAPI *GetRFNetworkChannelManager() override;
+    FCMBRNetworkChannelAPI *GetMBRNetworkChannelManager() override;
+    FCRemoteContentAPI *GetRemoteContentAPI() override;
+    FCRemoteContent_MSOAPI *GetRemoteContentMSOAPI() override;
+    FIMatchFinder *GetMatchFinder() override;
+    FCVirtualChannelsAPI *GetVirtualChannelsAPI() override;
+    FCThumbnailManagerAPI *GetThumbnailManagerAPI() override;
+    FCTVLumeAPI *GetTVLumeAPI() override;
+    FIACRSupportAPI *GetACRSupportAPI() override;
+    FCAocAppInfoAPI *GetAocAppInfoAPI() override;
+    FCAocProgramInfoAPI *GetAocProgramInfoAPI() override;
 };
 
 #endif

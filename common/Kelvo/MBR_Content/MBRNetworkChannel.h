@@ -12,13 +12,7 @@
 
 class FCMBRNetworkChannel {
 public:
-    enum EFavorite : int {
-        FAVORITE_1 = 0,
-        FAVORITE_2 = 1,
-        FAVORITE_3 = 2,
-        FAVORITE_4 = 3,
-        FAVORITE_5 = 4
-    };
+    enum EFavorite : int { FAVORITE_1 = 0, FAVORITE_2 = 1, FAVORITE_3 = 2, FAVORITE_4 = 3, FAVORITE_5 = 4 };
 
     FCMBRNetworkChannel();
     FCMBRNetworkChannel(const FCMBRNetworkChannel &other) = default;

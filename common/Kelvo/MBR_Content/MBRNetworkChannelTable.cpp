@@ -35,9 +35,8 @@ bool FCMBRNetworkChannelTable::Merge(const FCMBRNetworkChannelTable &other)
 bool FCMBRNetworkChannelTable::FindNetworkChannelbyMajorMinor(const int &major, const int &minor,
                                                               FCMBRNetworkChannel &out)
 {
-    return FindFirst(m_mbrNetworkChannelDB, out, [&](const FCMBRNetworkChannel &c) {
-        return c.GetMajor() == major && c.GetMinor() == minor;
-    });
+    return FindFirst(m_mbrNetworkChannelDB, out,
+                     [&](const FCMBRNetworkChannel &c) { return c.GetMajor() == major && c.GetMinor() == minor; });
 }
 
 bool FCMBRNetworkChannelTable::FindNetworkChannelbyChannelID(const int &id, FCMBRNetworkChannel &out)

@@ -83,9 +83,11 @@ public:
     static bool SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson(
         const eRemoteContentActivity &activity, std::vector<std::string> &sourceIds, const int &utcStartTime,
         const int &duration, FCFilterCriteria &filter, Json::Value &out);
-    static bool JsonToSourceIDLstAndUtcStartTimeAndDurationAndFCFilterCriteria(
-        Json::Value &in, eRemoteContentActivity &activity, std::vector<std::string> &sourceIds, int &utcStartTime,
-        int &duration, FCFilterCriteria &filter);
+    static bool JsonToSourceIDLstAndUtcStartTimeAndDurationAndFCFilterCriteria(Json::Value &in,
+                                                                               eRemoteContentActivity &activity,
+                                                                               std::vector<std::string> &sourceIds,
+                                                                               int &utcStartTime, int &duration,
+                                                                               FCFilterCriteria &filter);
     // Times under "utc_starttime" (with underscore).
     static bool SourceIDListAndUtcStartTimeAndDurationToJson(const eRemoteContentActivity &activity,
                                                              std::vector<std::string> &sourceIds,

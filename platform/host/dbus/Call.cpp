@@ -24,21 +24,23 @@
 
 namespace {
 
-const char* const kBusName = "com.halvorn.tv.KelvoDaemon";
-const char* const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
-const char* const kInterface = "com.halvorn.tv.KelvoDaemon.Provider";
+const char *const kBusName = "com.halvorn.tv.KelvoDaemon";
+const char *const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
+const char *const kInterface = "com.halvorn.tv.KelvoDaemon.Provider";
 
 // sd-bus's own default; long enough for a daemon that asks the remote server before answering.
 const uint64_t kDefaultTimeoutMs = 25000;
 
 // KELVO_CALL_TIMEOUT_MS shortens the wait where a host test needs a daemon that never answers.
-uint64_t TimeoutUsec() {
-    const char* text = getenv("KELVO_CALL_TIMEOUT_MS");
+uint64_t TimeoutUsec()
+{
+    const char *text = getenv("KELVO_CALL_TIMEOUT_MS");
     uint64_t ms = kDefaultTimeoutMs;
     if (text && *text) {
-        char* end = nullptr;
+        char *end = nullptr;
         unsigned long long value = strtoull(text, &end, 10);
-        if (end && *end == '\0' && value > 0) ms = value;
+        if (end && *end == '\0' && value > 0)
+            ms = value;
     }
     return ms * 1000;
 }
@@ -48,18 +50,21 @@ public:
     ~ThreadConnection() { m_Drop(); }
 
     // The connection of this thread to the current session bus, or null when none can be made.
-    sd_bus* Get() {
-        const char* address = getenv("DBUS_SESSION_BUS_ADDRESS");
+    sd_bus *Get()
+    {
+        const char *address = getenv("DBUS_SESSION_BUS_ADDRESS");
         std::string current = address ? address : "";
         if (m_bus && m_pid != getpid()) {
             // Inherited across fork: sd-bus refuses it in the child, and unref there would touch
             // the parent's socket state. Leave it.
             m_bus = nullptr;
         }
-        if (m_bus && (current != m_address || sd_bus_is_open(m_bus) <= 0)) m_Drop();
+        if (m_bus && (current != m_address || sd_bus_is_open(m_bus) <= 0))
+            m_Drop();
         if (!m_bus) {
-            sd_bus* bus = nullptr;
-            if (sd_bus_open_user(&bus) < 0) return nullptr;
+            sd_bus *bus = nullptr;
+            if (sd_bus_open_user(&bus) < 0)
+                return nullptr;
             m_bus = bus;
             m_address = current;
             m_pid = getpid();
@@ -71,23 +76,27 @@ public:
     void Discard() { m_Drop(); }
 
 private:
-    void m_Drop() {
-        if (m_bus && m_pid == getpid()) sd_bus_flush_close_unref(m_bus);
+    void m_Drop()
+    {
+        if (m_bus && m_pid == getpid())
+            sd_bus_flush_close_unref(m_bus);
         m_bus = nullptr;
     }
 
-    sd_bus* m_bus = nullptr;
+    sd_bus *m_bus = nullptr;
     std::string m_address;
     pid_t m_pid = 0;
 };
 
 thread_local ThreadConnection t_connection;
 
-KelvoCallResult* MakeResult(bool success, const char* text) {
-    auto* result = static_cast<KelvoCallResult*>(calloc(1, sizeof(KelvoCallResult)));
-    if (!result) return nullptr;
+KelvoCallResult *MakeResult(bool success, const char *text)
+{
+    auto *result = static_cast<KelvoCallResult *>(calloc(1, sizeof(KelvoCallResult)));
+    if (!result)
+        return nullptr;
     size_t length = strlen(text);
-    result->data = static_cast<char*>(malloc(length + 1));
+    result->data = static_cast<char *>(malloc(length + 1));
     if (!result->data) {
         free(result);
         return nullptr;
@@ -98,30 +107,38 @@ KelvoCallResult* MakeResult(bool success, const char* text) {
     return result;
 }
 
-bool IsTransportError(int r) {
+bool IsTransportError(int r)
+{
     return r == -ECONNRESET || r == -ENOTCONN || r == -EPIPE || r == -ECHILD || r == -ESHUTDOWN;
 }
 
 }  // namespace
 
-extern "C" KelvoCallResult* Call(const char* method, const char* argument) {
-    sd_bus* bus = t_connection.Get();
-    if (!bus) return nullptr;
-    if (!method) return MakeResult(false, "");
+extern "C" KelvoCallResult *Call(const char *method, const char *argument)
+{
+    sd_bus *bus = t_connection.Get();
+    if (!bus)
+        return nullptr;
+    if (!method)
+        return MakeResult(false, "");
 
-    sd_bus_message* request = nullptr;
-    sd_bus_message* reply = nullptr;
+    sd_bus_message *request = nullptr;
+    sd_bus_message *reply = nullptr;
     sd_bus_error error = SD_BUS_ERROR_NULL;
-    const char* text = nullptr;
+    const char *text = nullptr;
 
     // An invalid member name, or an argument that is not valid UTF-8, fails here without a call.
     int r = sd_bus_message_new_method_call(bus, &request, kBusName, kObjectPath, kInterface, method);
-    if (r >= 0) r = sd_bus_message_append(request, "s", argument ? argument : "");
-    if (r >= 0) r = sd_bus_call(bus, request, TimeoutUsec(), &error, &reply);
-    if (r >= 0) r = sd_bus_message_read(reply, "s", &text);
+    if (r >= 0)
+        r = sd_bus_message_append(request, "s", argument ? argument : "");
+    if (r >= 0)
+        r = sd_bus_call(bus, request, TimeoutUsec(), &error, &reply);
+    if (r >= 0)
+        r = sd_bus_message_read(reply, "s", &text);
 
-    KelvoCallResult* result = MakeResult(r >= 0, r >= 0 ? text : "");
-    if (r < 0 && IsTransportError(r)) t_connection.Discard();
+    KelvoCallResult *result = MakeResult(r >= 0, r >= 0 ? text : "");
+    if (r < 0 && IsTransportError(r))
+        t_connection.Discard();
 
     sd_bus_error_free(&error);
     sd_bus_message_unref(reply);
@@ -129,8 +146,10 @@ extern "C" KelvoCallResult* Call(const char* method, const char* argument) {
     return result;
 }
 
-extern "C" void DisposeCallResult(KelvoCallResult* result) {
-    if (!result) return;
+extern "C" void DisposeCallResult(KelvoCallResult *result)
+{
+    if (!result)
+        return;
     free(result->data);
     free(result);
 }

@@ -94,5 +94,11 @@ public:
 };
 }  // namespace
 
-IService *TVServiceAPI::CreateService() { return new TCServiceSimulator(); }
-IServiceGuide *TVServiceAPI::CreateServiceGuide() { return new TCServiceGuideSimulator(); }
+IService *TVServiceAPI::CreateService()
+{
+    return new TCServiceSimulator();
+}
+IServiceGuide *TVServiceAPI::CreateServiceGuide()
+{
+    return new TCServiceGuideSimulator();
+}

@@ -43,7 +43,7 @@ std::string ColumnText(sqlite3_stmt *stmt, int column)
 const std::vector<std::pair<int, const char *>> &TCServiceDataStore::Tags()
 {
     static const std::vector<std::pair<int, const char *>> tags = {
-        {1, "service_type"}, {2, "source"}, {3, "onid"},  {4, "tsid"},  {5, "program_number"},
+        {1, "service_type"}, {2, "source"},      {3, "onid"},   {4, "tsid"},   {5, "program_number"},
         {9, "rf"},           {12, "service_id"}, {13, "major"}, {14, "minor"}, {17, "chmap_index"},
     };
     return tags;
@@ -201,9 +201,8 @@ bool TCServiceDataStore::ReadEvents(const std::string &path, unsigned long long 
     c.db = m_Open(path, true);
     if (c.db == nullptr)
         return false;
-    const char *sql =
-        "SELECT event_id, start_time, duration, language, title, extended_text FROM event "
-        "WHERE service_id = ? AND start_time >= ? AND start_time < ? ORDER BY event_id";
+    const char *sql = "SELECT event_id, start_time, duration, language, title, extended_text FROM event "
+                      "WHERE service_id = ? AND start_time >= ? AND start_time < ? ORDER BY event_id";
     if (sqlite3_prepare_v2(c.db, sql, -1, &c.stmt, nullptr) != SQLITE_OK) {
         TCApiPrintMessage("[TVS] %s: %s", path.c_str(), sqlite3_errmsg(c.db));
         return false;
@@ -245,9 +244,9 @@ bool TCServiceDataStore::WriteChannelMapDump(const std::string &servicePath, con
         TCApiPrintMessage("[TVS] cannot attach %s: %s", servicePath.c_str(), sqlite3_errmsg(c.db));
         return false;
     }
-    return m_Exec(c.db,
-                  "INSERT OR REPLACE INTO chmap SELECT chmap_index, service_id, major, minor, service_type, source, rf, "
-                  "name FROM tvs.service WHERE chmap_index IS NOT NULL AND chmap_index <> -1 ORDER BY chmap_index");
+    return m_Exec(
+        c.db, "INSERT OR REPLACE INTO chmap SELECT chmap_index, service_id, major, minor, service_type, source, rf, "
+              "name FROM tvs.service WHERE chmap_index IS NOT NULL AND chmap_index <> -1 ORDER BY chmap_index");
 }
 
 unsigned int TCServiceDataStore::LanguageCode(const std::string &language)

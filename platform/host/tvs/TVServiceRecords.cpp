@@ -49,12 +49,24 @@ bool CopyUnits(const std::vector<unsigned short> &from, unsigned short *buffer, 
 }
 }  // namespace
 
-bool TCProgramData::Title(unsigned short *buffer, unsigned int *length) { return CopyUnits(m_title, buffer, length); }
+bool TCProgramData::Title(unsigned short *buffer, unsigned int *length)
+{
+    return CopyUnits(m_title, buffer, length);
+}
 bool TCProgramData::ExtendedText(unsigned short *buffer, unsigned int *length)
 {
     return CopyUnits(m_extendedText, buffer, length);
 }
-void TCProgramData::SetTitle(const std::u16string &text) { m_title = ToBigEndianUnits(text); }
-void TCProgramData::SetExtendedText(const std::u16string &text) { m_extendedText = ToBigEndianUnits(text); }
+void TCProgramData::SetTitle(const std::u16string &text)
+{
+    m_title = ToBigEndianUnits(text);
+}
+void TCProgramData::SetExtendedText(const std::u16string &text)
+{
+    m_extendedText = ToBigEndianUnits(text);
+}
 
-void TVServiceAPI::Destroy(ITVService *service) { delete service; }
+void TVServiceAPI::Destroy(ITVService *service)
+{
+    delete service;
+}

@@ -215,4 +215,7 @@ public:
 
 }  // namespace
 
-IUtil *TVServiceAPI::CreateUtil() { return new HostUtil(); }
+IUtil *TVServiceAPI::CreateUtil()
+{
+    return new HostUtil();
+}

@@ -4,10 +4,7 @@
 
 class FCRFNetworkChannelAPI {
 public:
-    enum ENavigationMode : int {
-        NAVIGATION_MODE_ALL = 0,
-        NAVIGATION_MODE_GENRE = 1
-    };
+    enum ENavigationMode : int { NAVIGATION_MODE_ALL = 0, NAVIGATION_MODE_GENRE = 1 };
 
     virtual ~FCRFNetworkChannelAPI() = default;
 };

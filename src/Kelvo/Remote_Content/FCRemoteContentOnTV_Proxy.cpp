@@ -16,29 +16,37 @@ namespace {
 template <bool kWrites, typename Marshal, typename... V>
 struct Codec {
     Marshal marshal;
-    std::tuple<V&...> values;
-    void Write(Json::Value& argument) const {
-        if constexpr (kWrites) std::apply([&](V&... v) { marshal(v..., argument); }, values);
+    std::tuple<V &...> values;
+    void Write(Json::Value &argument) const
+    {
+        if constexpr (kWrites)
+            std::apply([&](V &...v) { marshal(v..., argument); }, values);
     }
-    void Read(Json::Value& reply) const {
-        if constexpr (!kWrites) std::apply([&](V&... v) { marshal(reply, v...); }, values);
+    void Read(Json::Value &reply) const
+    {
+        if constexpr (!kWrites)
+            std::apply([&](V &...v) { marshal(reply, v...); }, values);
     }
 };
 
 template <typename Marshal, typename... V>
-Codec<true, Marshal, V...> Writes(Marshal marshal, V&... values) {
+Codec<true, Marshal, V...> Writes(Marshal marshal, V &...values)
+{
     return {marshal, std::tie(values...)};
 }
 
 template <typename Marshal, typename... V>
-Codec<false, Marshal, V...> Reads(Marshal marshal, V&... outputs) {
+Codec<false, Marshal, V...> Reads(Marshal marshal, V &...outputs)
+{
     return {marshal, std::tie(outputs...)};
 }
 
 // "ret" of a reply; absent, or of a kind that is no flag, it reads false.
-bool ReplyRet(const Json::Value& reply) {
-    if (!reply.isObject() || !reply.isMember("ret")) return false;
-    const Json::Value& ret = reply["ret"];
+bool ReplyRet(const Json::Value &reply)
+{
+    if (!reply.isObject() || !reply.isMember("ret"))
+        return false;
+    const Json::Value &ret = reply["ret"];
     return ret.isConvertibleTo(Json::booleanValue) && ret.asBool();
 }
 
@@ -47,40 +55,46 @@ bool ReplyRet(const Json::Value& reply) {
 // "ret" said (and from the empty reply of a failed call), as the daemon's callers expect partly
 // filled outputs.
 template <typename... Codecs>
-bool TypedCall(const char* method, const Codecs&... codecs) {
+bool TypedCall(const char *method, const Codecs &...codecs)
+{
     Json::Value argument(Json::objectValue);
     (codecs.Write(argument), ...);
     Json::Value reply;
     // A failed call leaves the reply empty, except that a reply cut short keeps what jsoncpp read
     // before the cut ({"ret":true,... would still say true); and a reply that is no object (a bare
     // number, an array) cannot be indexed by name. Both are read as the empty reply.
-    if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject()) reply = Json::Value();
+    if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject())
+        reply = Json::Value();
     (codecs.Read(reply), ...);
     return ReplyRet(reply);
 }
 
 // The string form: the caller's text goes out unchanged and the reply text comes back to it.
-bool StringCall(const char* method, const std::string& in, std::string& out) {
+bool StringCall(const char *method, const std::string &in, std::string &out)
+{
     FCCallHelper::RemoteCallWithStringArguments(method, in, out);
     return FCJsonHelper::ParseReturnBoolean(out);
 }
 
 // Notifications: false when the call itself fails, otherwise the reply's "ret".
-bool NotifyCall(const char* method, const std::string& in) {
+bool NotifyCall(const char *method, const std::string &in)
+{
     std::string reply;
-    if (!FCCallHelper::RemoteCallWithStringArguments(method, in, reply)) return false;
+    if (!FCCallHelper::RemoteCallWithStringArguments(method, in, reply))
+        return false;
     return FCJsonHelper::ParseReturnBoolean(reply);
 }
 
 // The daemon takes some flags of a request under "ret".
-bool RetToJson(const bool& flag, Json::Value& out) {
+bool RetToJson(const bool &flag, Json::Value &out)
+{
     out["ret"] = flag;
     return true;
 }
 
 // The overload that sends antenna and service mode apart.
-bool (*const kTVSourceAndModesToJson)(const int&, const int&, const int&, Json::Value&) =
-    FCMarshal::TVSourceAndTVModeToJson;
+bool (*const kTVSourceAndModesToJson)(const int &, const int &, const int &,
+                                      Json::Value &) = FCMarshal::TVSourceAndTVModeToJson;
 
 }  // namespace
 
@@ -88,66 +102,78 @@ bool (*const kTVSourceAndModesToJson)(const int&, const int&, const int&, Json::
 
 #define FC_ENTRY FC_PROXY_ENTRY("FCRemoteContentOnTV_Proxy")
 
-bool FCRemoteContentOnTV_Proxy::Reset() {
+bool FCRemoteContentOnTV_Proxy::Reset()
+{
     FC_ENTRY;
     return TypedCall("FCRemoteContent_Reset");
 }
 
-bool FCRemoteContentOnTV_Proxy::ToggleKelvoTimeoutTest(bool enable) {
+bool FCRemoteContentOnTV_Proxy::ToggleKelvoTimeoutTest(bool enable)
+{
     FC_ENTRY;
     return TypedCall("ToggleKelvoTimeoutTest", Writes(RetToJson, enable));
 }
 
-bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnv(const std::string& country, const std::string& language) {
+bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnv(const std::string &country, const std::string &language)
+{
     FC_ENTRY;
     return TypedCall("SetRemoteContentEnv", Writes(FCMarshal::CountryAndLangToJson, country, language));
 }
 
-bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnvForEmp(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_Proxy::SetRemoteContentEnvForEmp(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("SetRemoteContentEnv", in, out);
 }
 
-bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string& country, std::string& language) {
+bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string &country, std::string &language)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteContentEnv", Reads(FCMarshal::JsonToCountryAndLang, country, language));
 }
 
-bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string& inOut) {
+bool FCRemoteContentOnTV_Proxy::GetRemoteContentEnv(std::string &inOut)
+{
     FC_ENTRY;
     return StringCall("GetRemoteContentEnv", std::string(), inOut);
 }
 
 bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(int source, int antennaMode,
                                                                             int serviceMode,
-                                                                            eRemoteContentActivity& activity) {
+                                                                            eRemoteContentActivity &activity)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteContentActivityByTVSourceAndTSTVMode",
                      Writes(kTVSourceAndModesToJson, source, antennaMode, serviceMode),
                      Reads(FCMarshal::JsonToactivityID, activity));
 }
 
-bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_Proxy::GetRemoteContentActivityByTVSourceAndTVMode(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetRemoteContentActivityByTVSourceAndTSTVMode", in, out);
 }
 
-bool FCRemoteContentOnTV_Proxy::GetChannelCRC(std::string& crc) {
+bool FCRemoteContentOnTV_Proxy::GetChannelCRC(std::string &crc)
+{
     FC_ENTRY;
     return TypedCall("GetChannelCRC", Reads(FCMarshal::JsonToChannelCRC, crc));
 }
 
-bool FCRemoteContentOnTV_Proxy::GetFenvoraVersion(std::string& version) {
+bool FCRemoteContentOnTV_Proxy::GetFenvoraVersion(std::string &version)
+{
     FC_LOGD("%s: %s(%d) > DBG_LV[%d]called\n", FC_DBG_LV);
     return TypedCall("GetFenvoraVersion", Reads(FCMarshal::JsonToStr, version));
 }
 
-bool FCRemoteContentOnTV_Proxy::NotifyPreviewDownloaderFinish(std::string& in) {
+bool FCRemoteContentOnTV_Proxy::NotifyPreviewDownloaderFinish(std::string &in)
+{
     FC_ENTRY;
     return NotifyCall("NotifyPreviewDownloaderFinish", in);
 }
 
-bool FCRemoteContentOnTV_Proxy::NotifyDVRContentUpdate() {
+bool FCRemoteContentOnTV_Proxy::NotifyDVRContentUpdate()
+{
     FC_ENTRY;
     return NotifyCall("NotifyDVRContentUpdate", std::string());
 }
@@ -158,74 +184,86 @@ bool FCRemoteContentOnTV_Proxy::NotifyDVRContentUpdate() {
 
 #define FC_ENTRY FC_PROXY_ENTRY("FCRemoteContentOnTV_MSO_Proxy")
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(eRemoteContentActivity activity, FCRemoteMSOConfig& config) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(eRemoteContentActivity activity, FCRemoteMSOConfig &config)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteContentConfig", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToFCRemoteMSOConfig, config));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetRemoteContentConfig(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetRemoteContentConfig", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(eRemoteContentActivity activity,
-                                                           const FCRemoteMSOConfig& config) {
+                                                           const FCRemoteMSOConfig &config)
+{
     FC_ENTRY;
     return TypedCall("SetRemoteContentConfig", Writes(FCMarshal::activityIDToJson, activity),
                      Writes(FCMarshal::FCRmoteMSOConfigToJson, config));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::SetRemoteContentConfig(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("SetRemoteContentConfig", in, out);
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(eRemoteContentActivity activity, CKelvoResponse_CertRule& rule) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(eRemoteContentActivity activity, CKelvoResponse_CertRule &rule)
+{
     FC_ENTRY;
     return TypedCall("GetCertRule", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToCertRule, rule));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetCertRule(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetCertRule", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(eRemoteContentActivity activity,
-                                                       std::vector<FCRemoteChannel>& channels) {
+                                                       std::vector<FCRemoteChannel> &channels)
+{
     FC_ENTRY;
     return TypedCall("GetFullChannelList", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToChannelList, channels));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetFullChannelList(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetFullChannelList", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(eRemoteContentActivity activity,
-                                                          std::vector<FCRemoteChannel>& channels) {
+                                                          std::vector<FCRemoteChannel> &channels)
+{
     FC_ENTRY;
     return TypedCall("GetTunableChannelList", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToChannelList, channels));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetTunableChannelList(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetTunableChannelList", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetTunableProgramSourceIdMap(eRemoteContentActivity activity,
-                                                                 std::map<std::string, FCRemoteChannelKey>& sourceMap) {
+                                                                 std::map<std::string, FCRemoteChannelKey> &sourceMap)
+{
     FC_ENTRY;
     return TypedCall("GetTunableProgramSourceIdMap", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToProgramSourceMap, sourceMap));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activity, std::vector<std::string>& sourceIds,
-                                                  int utcStartTime, int duration, FCFilterCriteria& filter,
-                                                  std::map<std::string, std::vector<FCRemoteProgram>>& programMap) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activity, std::vector<std::string> &sourceIds,
+                                                  int utcStartTime, int duration, FCFilterCriteria &filter,
+                                                  std::map<std::string, std::vector<FCRemoteProgram>> &programMap)
+{
     FC_ENTRY;
     return TypedCall("GetProgramMap",
                      Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson, activity,
@@ -233,66 +271,77 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activit
                      Reads(FCMarshal::JsonToProgramMap, programMap));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetProgramMap", in, out);
 }
 
 // The programme guide is always active on the daemon's side; these stay local on purpose.
-bool FCRemoteContentOnTV_MSO_Proxy::ActivateProgramGuide(eRemoteContentActivity) {
+bool FCRemoteContentOnTV_MSO_Proxy::ActivateProgramGuide(eRemoteContentActivity)
+{
     FC_ENTRY;
     return true;
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::ActivateProgramGuide(const std::string&, std::string&) {
+bool FCRemoteContentOnTV_MSO_Proxy::ActivateProgramGuide(const std::string &, std::string &)
+{
     FC_ENTRY;
     return true;
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::DeactivateProgramGuide(eRemoteContentActivity) {
+bool FCRemoteContentOnTV_MSO_Proxy::DeactivateProgramGuide(eRemoteContentActivity)
+{
     FC_ENTRY;
     return true;
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::DeactivateProgramGuide(const std::string&, std::string&) {
+bool FCRemoteContentOnTV_MSO_Proxy::DeactivateProgramGuide(const std::string &, std::string &)
+{
     FC_ENTRY;
     return true;
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(eRemoteContentActivity activity,
-                                                                       std::vector<std::string>& sourceIds,
-                                                                       unsigned long utcStartTime, int duration) {
+                                                                       std::vector<std::string> &sourceIds,
+                                                                       unsigned long utcStartTime, int duration)
+{
     FC_ENTRY;
-    return TypedCall("LoadAdditionalProgramMapFromServer",
-                     Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationToJson, activity, sourceIds, utcStartTime,
-                            duration));
+    return TypedCall(
+        "LoadAdditionalProgramMapFromServer",
+        Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationToJson, activity, sourceIds, utcStartTime, duration));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::LoadAdditionalProgramMapFromServer(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("LoadAdditionalProgramMapFromServer", in, out);
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(eRemoteContentActivity activity, std::vector<FCGenreInfo>& genres) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(eRemoteContentActivity activity, std::vector<FCGenreInfo> &genres)
+{
     FC_ENTRY;
     return TypedCall("GetGenreList", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToGenreList, genres));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetGenreList(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetGenreList", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetVODProviders(eRemoteContentActivity activity,
-                                                    CKelvoResponse_VODProviders& providers) {
+                                                    CKelvoResponse_VODProviders &providers)
+{
     FC_ENTRY;
     return TypedCall("GetVODProviders", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToVODProvider, providers));
 }
 
 // The caller reads the providers from the text itself; the reply is handed over unparsed.
-bool FCRemoteContentOnTV_MSO_Proxy::GetVODProviders(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetVODProviders(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     FCCallHelper::RemoteCallWithStringArguments("GetVODProviders", in, out);
     return true;
@@ -301,43 +350,48 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetVODProviders(const std::string& in, std::
 bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteProgramByProgramSourceID(eRemoteContentActivity activity,
                                                                         std::string sourceId,
                                                                         unsigned long utcCurrentTime,
-                                                                        FCRemoteProgram& program) {
+                                                                        FCRemoteProgram &program)
+{
     FC_ENTRY;
     return TypedCall("GetFCRemoteProgramByProgramSourceID",
                      Writes(FCMarshal::ProgramSourceIDAndUtcCurrentTimeToJson, activity, sourceId, utcCurrentTime),
                      Reads(FCMarshal::JsonToFCRemoteProgram, program));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteProgramByProgramSourceID(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteProgramByProgramSourceID(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetFCRemoteProgramByProgramSourceID", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteChannelByProgramSourceID(eRemoteContentActivity activity,
-                                                                        std::string sourceId,
-                                                                        FCRemoteChannel& channel) {
+                                                                        std::string sourceId, FCRemoteChannel &channel)
+{
     FC_ENTRY;
     return TypedCall("GetFCRemoteChannelByProgramSourceID",
                      Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
                      Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
-bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteChannelByProgramSourceID(const std::string& in, std::string& out) {
+bool FCRemoteContentOnTV_MSO_Proxy::GetFCRemoteChannelByProgramSourceID(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetFCRemoteChannelByProgramSourceID", in, out);
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInRFMode(eRemoteContentActivity activity,
-                                                               unsigned long long& serviceId,
-                                                               unsigned long utcCurrentTime, std::string& searchKey) {
+                                                               unsigned long long &serviceId,
+                                                               unsigned long utcCurrentTime, std::string &searchKey)
+{
     FC_ENTRY;
     return TypedCall("GetSearchKeyStringInRFMode", Writes(FCMarshal::UtcCurrentTimeToJson, activity, utcCurrentTime),
                      Writes(FCMarshal::VCServiceIdToJson, serviceId), Reads(FCMarshal::JsonToSearchString, searchKey));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInMBRMode(eRemoteContentActivity activity,
-                                                                const std::string& mbrChannelNumber,
-                                                                unsigned long utcCurrentTime, std::string& searchKey) {
+                                                                const std::string &mbrChannelNumber,
+                                                                unsigned long utcCurrentTime, std::string &searchKey)
+{
     FC_ENTRY;
     return TypedCall("GetSearchKeyStringInMBRMode",
                      Writes(FCMarshal::MBRChannelAndUTCCurrentTimeToJson, activity, mbrChannelNumber, utcCurrentTime),
@@ -345,20 +399,23 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetSearchKeyStringInMBRMode(eRemoteContentAc
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFeaturedChannels(eRemoteContentActivity activity,
-                                                        std::vector<FCRemoteChannel>& channels) {
+                                                        std::vector<FCRemoteChannel> &channels)
+{
     FC_ENTRY;
     return TypedCall("GetFeaturedChannels", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 // Operator contents are not taken from clients of this build.
-bool FCRemoteContentOnTV_MSO_Proxy::SetMVPDContents(std::string&, std::string&) {
+bool FCRemoteContentOnTV_MSO_Proxy::SetMVPDContents(std::string &, std::string &)
+{
     FC_ENTRY;
     return false;
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetFullProgramSourceIdList(eRemoteContentActivity activity,
-                                                               std::vector<std::string>& sourceIds) {
+                                                               std::vector<std::string> &sourceIds)
+{
     FC_ENTRY;
     return TypedCall("GetFullProgramSourceIdList", Writes(FCMarshal::activityIDToJson, activity),
                      Reads(FCMarshal::JsonToSourceIDList, sourceIds));
@@ -371,79 +428,91 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetFullProgramSourceIdList(eRemoteContentAct
 #define FC_ENTRY FC_PROXY_ENTRY("FCMatchFinder_Proxy")
 
 bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(eRemoteContentActivity activity,
-                                                          unsigned long long& serviceId, FCRemoteChannel& channel) {
+                                                          unsigned long long &serviceId, FCRemoteChannel &channel)
+{
     FC_ENTRY;
     return TypedCall("GetFCRemoteChannelByTCServiceId", Writes(FCMarshal::activityIDToJson, activity),
                      Writes(FCMarshal::VCServiceIdToJson, serviceId), Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
-bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(const std::string& in, std::string& out) {
+bool FCMatchFinder_Proxy::GetFCRemoteChannelByTCServiceId(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetFCRemoteChannelByTCServiceId", in, out);
 }
 
-bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(eRemoteContentActivity activity, FCRemoteChannel& channel,
-                                                          unsigned long long& serviceId) {
+bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(eRemoteContentActivity activity, FCRemoteChannel &channel,
+                                                          unsigned long long &serviceId)
+{
     FC_ENTRY;
     return TypedCall("GetTCServiceIdByFCRemoteChannel", Writes(FCMarshal::activityIDToJson, activity),
                      Writes(FCMarshal::FCRemoteChannelToJson, channel), Reads(FCMarshal::VCJsonToServiceId, serviceId));
 }
 
-bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(const std::string& in, std::string& out) {
+bool FCMatchFinder_Proxy::GetTCServiceIdByFCRemoteChannel(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetTCServiceIdByFCRemoteChannel", in, out);
 }
 
 bool FCMatchFinder_Proxy::GetTCServiceIdByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                          unsigned long long& serviceId) {
+                                                          unsigned long long &serviceId)
+{
     FC_ENTRY;
     return TypedCall("GetTCServiceIdByProgramSourceID", Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
                      Reads(FCMarshal::VCJsonToServiceId, serviceId));
 }
 
-bool FCMatchFinder_Proxy::GetTCServiceIdByProgramSourceID(const std::string& in, std::string& out) {
+bool FCMatchFinder_Proxy::GetTCServiceIdByProgramSourceID(const std::string &in, std::string &out)
+{
     FC_ENTRY;
     return StringCall("GetTCServiceIdByProgramSourceID", in, out);
 }
 
 bool FCMatchFinder_Proxy::GetTCServiceIdListByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                              std::list<unsigned long long>& serviceIds) {
+                                                              std::list<unsigned long long> &serviceIds)
+{
     FC_ENTRY;
     return TypedCall("GetTCServiceIdListByProgramSourceID",
                      Writes(FCMarshal::ProgramSourceIDToJson, activity, sourceId),
                      Reads(FCMarshal::JsonToServiceIDList, serviceIds));
 }
 
-bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel>& channels,
-                                                            bool flag) {
+bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel> &channels,
+                                                            bool flag)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteChannelListByChannelName", Writes(FCMarshal::SearchStringToJson, name),
                      Writes(RetToJson, flag), Reads(FCMarshal::JsonToChannelList, channels));
 }
 
-bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int major, int minor, FCRemoteChannel& channel) {
+bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int major, int minor, FCRemoteChannel &channel)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteChannelByChannelNumber", Writes(FCMarshal::MajorMinorToJson, major, minor),
                      Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
-bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel>& channels) {
+bool FCMatchFinder_Proxy::GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel> &channels)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteChannelListByChannelName", Writes(FCMarshal::SearchStringToJson, name),
                      Reads(FCMarshal::JsonToChannelList, channels));
 }
 
 // The daemon takes the single channel number under "ret".
-bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int number, FCRemoteChannel& channel) {
+bool FCMatchFinder_Proxy::GetRemoteChannelByChannelNumber(int number, FCRemoteChannel &channel)
+{
     FC_ENTRY;
     return TypedCall("GetRemoteChannelByChannelNumber", Writes(FCMarshal::IntToJson, number),
                      Reads(FCMarshal::JsonToFCRemoteChannel, channel));
 }
 
 namespace {
-bool ProgramSearch(const char* method, const std::string& text,
-                   std::map<std::string, std::vector<FCRemoteProgram>>& programMap, unsigned long utcStartTime,
-                   unsigned long utcEndTime) {
+bool ProgramSearch(const char *method, const std::string &text,
+                   std::map<std::string, std::vector<FCRemoteProgram>> &programMap, unsigned long utcStartTime,
+                   unsigned long utcEndTime)
+{
     return TypedCall(method, Writes(FCMarshal::SearchStringToJson, text),
                      Writes(FCMarshal::UtcStartTimeToJson, utcStartTime),
                      Writes(FCMarshal::UtcEndTimeToJson, utcEndTime), Reads(FCMarshal::JsonToProgramMap, programMap));
@@ -451,22 +520,25 @@ bool ProgramSearch(const char* method, const std::string& text,
 }  // namespace
 
 bool FCMatchFinder_Proxy::GetRemoteProgramByKeyword(std::string keyword,
-                                                    std::map<std::string, std::vector<FCRemoteProgram>>& programMap,
-                                                    unsigned long utcStartTime, unsigned long utcEndTime) {
+                                                    std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
+                                                    unsigned long utcStartTime, unsigned long utcEndTime)
+{
     FC_ENTRY;
     return ProgramSearch("GetRemoteProgramByKeyword", keyword, programMap, utcStartTime, utcEndTime);
 }
 
 bool FCMatchFinder_Proxy::GetRemoteProgramByTitle(std::string title,
-                                                  std::map<std::string, std::vector<FCRemoteProgram>>& programMap,
-                                                  unsigned long utcStartTime, unsigned long utcEndTime) {
+                                                  std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
+                                                  unsigned long utcStartTime, unsigned long utcEndTime)
+{
     FC_ENTRY;
     return ProgramSearch("GetRemoteProgramByTitle", title, programMap, utcStartTime, utcEndTime);
 }
 
 bool FCMatchFinder_Proxy::GetRemoteProgramByDescription(std::string description,
-                                                        std::map<std::string, std::vector<FCRemoteProgram>>& programMap,
-                                                        unsigned long utcStartTime, unsigned long utcEndTime) {
+                                                        std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
+                                                        unsigned long utcStartTime, unsigned long utcEndTime)
+{
     FC_ENTRY;
     return ProgramSearch("GetRemoteProgramByDescription", description, programMap, utcStartTime, utcEndTime);
 }

@@ -2,10 +2,7 @@
 #ifndef KELVO_FCTVLUMEAPI_H
 #define KELVO_FCTVLUMEAPI_H
 
-enum eTVLumeWebAppVisible : int {
-    TVLUME_WEBAPP_HIDE = 0,
-    TVLUME_WEBAPP_SHOW = 1
-};
+enum eTVLumeWebAppVisible : int { TVLUME_WEBAPP_HIDE = 0, TVLUME_WEBAPP_SHOW = 1 };
 
 class FCTVLumeAPI {
 public:

@@ -3,10 +3,7 @@
 #define KELVO_FCTHUMBNAILMANAGERAPI_H
 
 // Where a downloaded image is kept.
-enum EDownloadLocation : int {
-    DOWNLOAD_LOCATION_MEMORY = 0,
-    DOWNLOAD_LOCATION_STORAGE = 1
-};
+enum EDownloadLocation : int { DOWNLOAD_LOCATION_MEMORY = 0, DOWNLOAD_LOCATION_STORAGE = 1 };
 
 class FCThumbnailManagerAPI {
 public:

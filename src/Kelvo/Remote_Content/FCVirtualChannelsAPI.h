@@ -10,10 +10,7 @@ public:
         CHANNEL_LOGO_SIZE_LARGE = 2
     };
 
-    enum EPlayerType : int {
-        PLAYER_TYPE_TV = 0,
-        PLAYER_TYPE_PREVIEW = 1
-    };
+    enum EPlayerType : int { PLAYER_TYPE_TV = 0, PLAYER_TYPE_PREVIEW = 1 };
 
     enum EProgramLogoType : int {
         PROGRAM_LOGO_TYPE_THUMBNAIL = 0,
@@ -21,11 +18,7 @@ public:
         PROGRAM_LOGO_TYPE_BACKGROUND = 2
     };
 
-    enum EKPIType : int {
-        KPI_TYPE_NONE = -1,
-        KPI_TYPE_VIEW = 0,
-        KPI_TYPE_ACTION = 1
-    };
+    enum EKPIType : int { KPI_TYPE_NONE = -1, KPI_TYPE_VIEW = 0, KPI_TYPE_ACTION = 1 };
 
     virtual ~FCVirtualChannelsAPI() = default;
 };

@@ -4,10 +4,7 @@
 
 class FIACRSupportAPI {
 public:
-    enum AcrVerified : int {
-        ACR_NOT_VERIFIED = 0,
-        ACR_VERIFIED = 1
-    };
+    enum AcrVerified : int { ACR_NOT_VERIFIED = 0, ACR_VERIFIED = 1 };
 
     virtual ~FIACRSupportAPI() = default;
 };
