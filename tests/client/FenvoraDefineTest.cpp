@@ -8,6 +8,7 @@
 #include "FCACRSupport_Proxy.h"
 #include "FCAocAppInfo_Proxy.h"
 #include "FCAocProgramInfo_Proxy.h"
+#include "FCRemoteContentOnTV_Proxy.h"
 #include "FCTVLumeControl_Proxy.h"
 #include "FCThumbnailManager_Proxy.h"
 #include "FCVirtualChannels_Proxy.h"

@@ -7,6 +7,7 @@
 #include "FCAocProgramInfo_Proxy.h"
 #include "FCDebug.h"
 #include "FCJsonHelper.h"
+#include "FCRemoteContentOnTV_Proxy.h"
 #include "FCTVLumeControl_Proxy.h"
 #include "FCThumbnailManager_Proxy.h"
 #include "FCVirtualChannels_Proxy.h"

@@ -4,8 +4,10 @@
 #define KELVO_FENVORADEFINE_H
 
 // The remote-content, MSO and match-finder interfaces are what most users need, so they come
-// with this header; the other interfaces have headers of their own.
-#include "FCRemoteContentOnTV_Proxy.h"
+// with this header; the other services are declared only, and their users include their headers.
+#include "FCRemoteContentAPI.h"
+#include "FCRemoteContent_MSOAPI.h"
+#include "FIMatchFinder.h"
 
 class FCRFNetworkChannelAPI;
 class FCMBRNetworkChannelAPI;

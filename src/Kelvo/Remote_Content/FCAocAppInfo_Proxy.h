@@ -2,10 +2,7 @@
 #ifndef KELVO_FCAOCAPPINFO_PROXY_H
 #define KELVO_FCAOCAPPINFO_PROXY_H
 
-class FCAocAppInfoAPI {
-public:
-    virtual ~FCAocAppInfoAPI() {}
-};
+#include "FCAocAppInfoAPI.h"
 
 class FCAocAppInfo_Proxy : public FCAocAppInfoAPI {
 public:

@@ -2,10 +2,7 @@
 #ifndef KELVO_FCAOCPROGRAMINFO_PROXY_H
 #define KELVO_FCAOCPROGRAMINFO_PROXY_H
 
-class FCAocProgramInfoAPI {
-public:
-    virtual ~FCAocProgramInfoAPI() {}
-};
+#include "FCAocProgramInfoAPI.h"
 
 class FCAocProgramInfo_Proxy : public FCAocProgramInfoAPI {
 public:

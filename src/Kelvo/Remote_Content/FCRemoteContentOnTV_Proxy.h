@@ -1,5 +1,5 @@
-// Remote-content services of the content daemon: the three interfaces the client's users hold and
-// their proxies, each operation one remote call by method name with JSON text.
+// Proxies of the remote-content services of the content daemon, each operation one remote call by
+// method name with JSON text; made by the object factory of FCAPI.
 #ifndef KELVO_FCREMOTECONTENTONTV_PROXY_H
 #define KELVO_FCREMOTECONTENTONTV_PROXY_H
 
@@ -8,105 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "CKelvoResponse.h"
-#include "FCElementData.h"
-
-// Environment, activity selection, channel CRC, version and notifications.
-class FCRemoteContentAPI {
-public:
-    virtual ~FCRemoteContentAPI() {}
-    virtual bool Reset() = 0;
-    virtual bool ToggleKelvoTimeoutTest(bool enable) = 0;
-    virtual bool SetRemoteContentEnv(const std::string &country, const std::string &language) = 0;
-    virtual bool SetRemoteContentEnvForEmp(const std::string &in, std::string &out) = 0;
-    virtual bool GetRemoteContentEnv(std::string &country, std::string &language) = 0;
-    virtual bool GetRemoteContentEnv(std::string &inOut) = 0;
-    virtual bool GetRemoteContentActivityByTVSourceAndTVMode(int source, int antennaMode, int serviceMode,
-                                                             eRemoteContentActivity &activity) = 0;
-    virtual bool GetRemoteContentActivityByTVSourceAndTVMode(const std::string &in, std::string &out) = 0;
-    virtual bool GetChannelCRC(std::string &crc) = 0;
-    virtual bool GetFenvoraVersion(std::string &version) = 0;
-    virtual bool NotifyPreviewDownloaderFinish(std::string &in) = 0;
-    virtual bool NotifyDVRContentUpdate() = 0;
-};
-
-// Operator (MSO) configuration, channel lists, genres, programme maps, VOD providers, rules.
-class FCRemoteContent_MSOAPI {
-public:
-    virtual ~FCRemoteContent_MSOAPI() {}
-    virtual bool GetRemoteContentConfig(eRemoteContentActivity activity, FCRemoteMSOConfig &config) = 0;
-    virtual bool GetRemoteContentConfig(const std::string &in, std::string &out) = 0;
-    virtual bool SetRemoteContentConfig(eRemoteContentActivity activity, const FCRemoteMSOConfig &config) = 0;
-    virtual bool SetRemoteContentConfig(const std::string &in, std::string &out) = 0;
-    virtual bool GetCertRule(eRemoteContentActivity activity, CKelvoResponse_CertRule &rule) = 0;
-    virtual bool GetCertRule(const std::string &in, std::string &out) = 0;
-    virtual bool GetFullChannelList(eRemoteContentActivity activity, std::vector<FCRemoteChannel> &channels) = 0;
-    virtual bool GetFullChannelList(const std::string &in, std::string &out) = 0;
-    virtual bool GetTunableChannelList(eRemoteContentActivity activity, std::vector<FCRemoteChannel> &channels) = 0;
-    virtual bool GetTunableChannelList(const std::string &in, std::string &out) = 0;
-    virtual bool GetTunableProgramSourceIdMap(eRemoteContentActivity activity,
-                                              std::map<std::string, FCRemoteChannelKey> &sourceMap) = 0;
-    virtual bool GetProgramMap(eRemoteContentActivity activity, std::vector<std::string> &sourceIds, int utcStartTime,
-                               int duration, FCFilterCriteria &filter,
-                               std::map<std::string, std::vector<FCRemoteProgram>> &programMap) = 0;
-    virtual bool GetProgramMap(const std::string &in, std::string &out) = 0;
-    virtual bool ActivateProgramGuide(eRemoteContentActivity activity) = 0;
-    virtual bool ActivateProgramGuide(const std::string &in, std::string &out) = 0;
-    virtual bool DeactivateProgramGuide(eRemoteContentActivity activity) = 0;
-    virtual bool DeactivateProgramGuide(const std::string &in, std::string &out) = 0;
-    virtual bool LoadAdditionalProgramMapFromServer(eRemoteContentActivity activity,
-                                                    std::vector<std::string> &sourceIds, unsigned long utcStartTime,
-                                                    int duration) = 0;
-    virtual bool LoadAdditionalProgramMapFromServer(const std::string &in, std::string &out) = 0;
-    virtual bool GetGenreList(eRemoteContentActivity activity, std::vector<FCGenreInfo> &genres) = 0;
-    virtual bool GetGenreList(const std::string &in, std::string &out) = 0;
-    virtual bool GetVODProviders(eRemoteContentActivity activity, CKelvoResponse_VODProviders &providers) = 0;
-    virtual bool GetVODProviders(const std::string &in, std::string &out) = 0;
-    virtual bool GetFCRemoteProgramByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                     unsigned long utcCurrentTime, FCRemoteProgram &program) = 0;
-    virtual bool GetFCRemoteProgramByProgramSourceID(const std::string &in, std::string &out) = 0;
-    virtual bool GetFCRemoteChannelByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                     FCRemoteChannel &channel) = 0;
-    virtual bool GetFCRemoteChannelByProgramSourceID(const std::string &in, std::string &out) = 0;
-    virtual bool GetSearchKeyStringInRFMode(eRemoteContentActivity activity, unsigned long long &serviceId,
-                                            unsigned long utcCurrentTime, std::string &searchKey) = 0;
-    virtual bool GetSearchKeyStringInMBRMode(eRemoteContentActivity activity, const std::string &mbrChannelNumber,
-                                             unsigned long utcCurrentTime, std::string &searchKey) = 0;
-    virtual bool GetFeaturedChannels(eRemoteContentActivity activity, std::vector<FCRemoteChannel> &channels) = 0;
-    virtual bool SetMVPDContents(std::string &in, std::string &out) = 0;
-    virtual bool GetFullProgramSourceIdList(eRemoteContentActivity activity, std::vector<std::string> &sourceIds) = 0;
-};
-
-// Matching between the TV's service ids and remote channels and programmes; searches.
-class FIMatchFinder {
-public:
-    virtual ~FIMatchFinder() {}
-    virtual bool GetFCRemoteChannelByTCServiceId(eRemoteContentActivity activity, unsigned long long &serviceId,
-                                                 FCRemoteChannel &channel) = 0;
-    virtual bool GetFCRemoteChannelByTCServiceId(const std::string &in, std::string &out) = 0;
-    virtual bool GetTCServiceIdByFCRemoteChannel(eRemoteContentActivity activity, FCRemoteChannel &channel,
-                                                 unsigned long long &serviceId) = 0;
-    virtual bool GetTCServiceIdByFCRemoteChannel(const std::string &in, std::string &out) = 0;
-    virtual bool GetTCServiceIdByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                 unsigned long long &serviceId) = 0;
-    virtual bool GetTCServiceIdByProgramSourceID(const std::string &in, std::string &out) = 0;
-    virtual bool GetTCServiceIdListByProgramSourceID(eRemoteContentActivity activity, std::string sourceId,
-                                                     std::list<unsigned long long> &serviceIds) = 0;
-    virtual bool GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel> &channels,
-                                                   bool flag) = 0;
-    virtual bool GetRemoteChannelByChannelNumber(int major, int minor, FCRemoteChannel &channel) = 0;
-    virtual bool GetRemoteChannelListByChannelName(std::string name, std::vector<FCRemoteChannel> &channels) = 0;
-    virtual bool GetRemoteChannelByChannelNumber(int number, FCRemoteChannel &channel) = 0;
-    virtual bool GetRemoteProgramByKeyword(std::string keyword,
-                                           std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
-                                           unsigned long utcStartTime, unsigned long utcEndTime) = 0;
-    virtual bool GetRemoteProgramByTitle(std::string title,
-                                         std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
-                                         unsigned long utcStartTime, unsigned long utcEndTime) = 0;
-    virtual bool GetRemoteProgramByDescription(std::string description,
-                                               std::map<std::string, std::vector<FCRemoteProgram>> &programMap,
-                                               unsigned long utcStartTime, unsigned long utcEndTime) = 0;
-};
+#include "FCRemoteContentAPI.h"
+#include "FCRemoteContent_MSOAPI.h"
+#include "FIMatchFinder.h"
 
 class FCRemoteContentOnTV_Proxy : public FCRemoteContentAPI {
 public:
