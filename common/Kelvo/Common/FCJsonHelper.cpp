@@ -50,11 +50,15 @@ bool FCJsonHelper::ParseReturnBoolean(std::string &text)
         FC_LOGE("%s: %s(%d) > [%d][%d][FCJsonHelper::%s] fail to parse json output data\n", FC_PID_TID, __func__);
         return false;
     }
-    // A reply of another shape than {"ret": bool} answers no.
+    return ReturnBoolean(reply);
+}
+
+bool FCJsonHelper::ReturnBoolean(const Json::Value &reply)
+{
     if (!reply.isObject())
         return false;
-    const Json::Value &ret = reply["ret"];
-    return (ret.isBool() || ret.isNumeric()) && ret.asBool();
+    const Json::Value &ret = MemberOr(reply, "ret", Json::Value::nullSingleton());
+    return ret.isConvertibleTo(Json::booleanValue) && ret.asBool();
 }
 
 bool FCJsonHelper::AppendMetaDataToGivenJson(std::string metaText, Json::Value &target)

@@ -12,6 +12,10 @@ public:
     static bool ParseToJson(const std::string &text, Json::Value &out);
     // The reply form of every method that only answers success or failure: {"ret": bool}.
     static bool ParseReturnBoolean(std::string &text);
+    // The one reading of a reply's "ret", for every caller: a flag as it is, a number as jsoncpp
+    // converts it (yes unless zero). No object, no "ret", or a "ret" of another kind (text,
+    // array, object, null) answer no, without raising: a daemon's reply may hold anything.
+    static bool ReturnBoolean(const Json::Value &reply);
     // Copies every member of metaText's object into target except empty strings.
     static bool AppendMetaDataToGivenJson(std::string metaText, Json::Value &target);
     // meta without the excepted keys and without empty strings, as compact JSON text.

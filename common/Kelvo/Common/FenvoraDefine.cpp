@@ -95,9 +95,7 @@ bool FCAPI::Reset()
         FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCAPI::%s] fail to parse json data\n", FC_DBG_LV, __func__);
         return false;
     }
-    if (!reply.isObject() || !reply.isMember("ret") || !reply["ret"].isConvertibleTo(Json::booleanValue))
-        return false;
-    return reply["ret"].asBool();
+    return FCJsonHelper::ReturnBoolean(reply);
 }
 
 FCMBRNetworkChannelAPI *FCAPI::GetMBRNetworkChannelAPI()

@@ -41,15 +41,6 @@ Codec<false, Marshal, V...> Reads(Marshal marshal, V &...outputs)
     return {marshal, std::tie(outputs...)};
 }
 
-// "ret" of a reply; absent, or of a kind that is no flag, it reads false.
-bool ReplyRet(const Json::Value &reply)
-{
-    if (!reply.isObject() || !reply.isMember("ret"))
-        return false;
-    const Json::Value &ret = reply["ret"];
-    return ret.isConvertibleTo(Json::booleanValue) && ret.asBool();
-}
-
 // The typed form of every operation: the argument object from the Writes codecs, the call, the
 // outputs from the reply by the Reads codecs, and the reply's "ret". The outputs are read whatever
 // "ret" said (and from the empty reply of a failed call), as the daemon's callers expect partly
@@ -66,7 +57,7 @@ bool TypedCall(const char *method, const Codecs &...codecs)
     if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject())
         reply = Json::Value();
     (codecs.Read(reply), ...);
-    return ReplyRet(reply);
+    return FCJsonHelper::ReturnBoolean(reply);
 }
 
 // The string form: the caller's text goes out unchanged and the reply text comes back to it.
