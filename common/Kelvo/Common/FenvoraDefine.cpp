@@ -16,35 +16,19 @@
 #include "kelvo-dbus-proxy.h"
 
 bool FCAPI::is_initailzed = false;
-FCMBRNetworkChannelAPI *FCAPI::m_pMBRNetworkChannelAPI = nullptr;
-FCRFNetworkChannelAPI *FCAPI::m_pRFNetworkChannelAPI = nullptr;
-FCRemoteContentAPI *FCAPI::m_pRemoteContentAPI = nullptr;
-FCRemoteContent_MSOAPI *FCAPI::m_pRemoteContentMSOAPI = nullptr;
-FCTVLumeAPI *FCAPI::m_pTVLumeAPI = nullptr;
-FIMatchFinder *FCAPI::m_pMatchFinder = nullptr;
-FCVirtualChannelsAPI *FCAPI::m_pVirtualChannelsAPI = nullptr;
-FCThumbnailManagerAPI *FCAPI::m_pThumbnailManagerAPI = nullptr;
-FIACRSupportAPI *FCAPI::m_pACRSupportAPI = nullptr;
-FCAocAppInfoAPI *FCAPI::m_pAocAppInfoAPI = nullptr;
-FCAocProgramInfoAPI *FCAPI::m_pAocProgramInfoAPI = nullptr;
-
-FCFenvoraObjectFactory *FCFenvoraObjectFactory::m_pInstance = nullptr;
 
 namespace {
 
 using Factory = FCFenvoraObjectFactory;
 
-// Every accessor: the cached object, else a new one from the factory, kept for the process.
-template <typename T>
-T *Cached(T *&cache, T *(Factory::*make)())
+// Every accessor: the process's one object of a service, made by the factory on the first
+// request. Each service has a static of its own, whose initialisation runs once: a thread that
+// asks while another is making the object waits for it and gets the same one.
+template <typename T, T *(Factory::*kMake)()>
+T *Shared()
 {
-    if (cache)
-        return cache;
-    Factory *factory = Factory::GetInstance();
-    if (!factory)
-        return nullptr;
-    cache = (factory->*make)();
-    return cache;
+    static T *const object = (Factory::GetInstance()->*kMake)();
+    return object;
 }
 
 }  // namespace
@@ -100,55 +84,54 @@ bool FCAPI::Reset()
 
 FCMBRNetworkChannelAPI *FCAPI::GetMBRNetworkChannelAPI()
 {
-    return Cached(m_pMBRNetworkChannelAPI, &Factory::GetMBRNetworkChannelManager);
+    return Shared<FCMBRNetworkChannelAPI, &Factory::GetMBRNetworkChannelManager>();
 }
 FCRFNetworkChannelAPI *FCAPI::GetRFNetworkChannelAPI()
 {
-    return Cached(m_pRFNetworkChannelAPI, &Factory::GetRFNetworkChannelManager);
+    return Shared<FCRFNetworkChannelAPI, &Factory::GetRFNetworkChannelManager>();
 }
 FCRemoteContentAPI *FCAPI::GetRemoteContentAPI()
 {
-    return Cached(m_pRemoteContentAPI, &Factory::GetRemoteContentAPI);
+    return Shared<FCRemoteContentAPI, &Factory::GetRemoteContentAPI>();
 }
 FCRemoteContent_MSOAPI *FCAPI::GetRemoteContentMSOAPI()
 {
-    return Cached(m_pRemoteContentMSOAPI, &Factory::GetRemoteContentMSOAPI);
+    return Shared<FCRemoteContent_MSOAPI, &Factory::GetRemoteContentMSOAPI>();
 }
 FCTVLumeAPI *FCAPI::GetTVLumeAPI()
 {
-    return Cached(m_pTVLumeAPI, &Factory::GetTVLumeAPI);
+    return Shared<FCTVLumeAPI, &Factory::GetTVLumeAPI>();
 }
 FIMatchFinder *FCAPI::GetMatchFinder()
 {
-    return Cached(m_pMatchFinder, &Factory::GetMatchFinder);
+    return Shared<FIMatchFinder, &Factory::GetMatchFinder>();
 }
 FCVirtualChannelsAPI *FCAPI::GetVirtualChannelsAPI()
 {
-    return Cached(m_pVirtualChannelsAPI, &Factory::GetVirtualChannelsAPI);
+    return Shared<FCVirtualChannelsAPI, &Factory::GetVirtualChannelsAPI>();
 }
 FCThumbnailManagerAPI *FCAPI::GetThumbnailManagerAPI()
 {
-    return Cached(m_pThumbnailManagerAPI, &Factory::GetThumbnailManagerAPI);
+    return Shared<FCThumbnailManagerAPI, &Factory::GetThumbnailManagerAPI>();
 }
 FIACRSupportAPI *FCAPI::GetACRSupportAPI()
 {
-    return Cached(m_pACRSupportAPI, &Factory::GetACRSupportAPI);
+    return Shared<FIACRSupportAPI, &Factory::GetACRSupportAPI>();
 }
 FCAocAppInfoAPI *FCAPI::GetAocAppInfoAPI()
 {
-    return Cached(m_pAocAppInfoAPI, &Factory::GetAocAppInfoAPI);
+    return Shared<FCAocAppInfoAPI, &Factory::GetAocAppInfoAPI>();
 }
 FCAocProgramInfoAPI *FCAPI::GetAocProgramInfoAPI()
 {
-    return Cached(m_pAocProgramInfoAPI, &Factory::GetAocProgramInfoAPI);
+    return Shared<FCAocProgramInfoAPI, &Factory::GetAocProgramInfoAPI>();
 }
 
-// Filled before any concurrent use (by FCAPI::Initialize), so it takes no lock.
+// Made once, by the first request of any thread, and never deleted.
 FCFenvoraObjectFactory *FCFenvoraObjectFactory::GetInstance()
 {
-    if (!m_pInstance)
-        m_pInstance = new FCObjectFactoryKR();
-    return m_pInstance;
+    static FCFenvoraObjectFactory *const instance = new FCObjectFactoryKR();
+    return instance;
 }
 
 FCRFNetworkChannelAPI *FCObjectFactoryKR::GetRFNetworkChannelManager()

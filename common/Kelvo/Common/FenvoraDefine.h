@@ -24,7 +24,8 @@ public:
     static bool Finalize();
     static bool Reset();
 
-    // Each returns the one object of its service, made on first request and never deleted.
+    // Each returns the one object of its service, made on first request and never deleted. The
+    // first requests may come from several threads at once and still make one object.
     static FCMBRNetworkChannelAPI *GetMBRNetworkChannelAPI();
     static FCRFNetworkChannelAPI *GetRFNetworkChannelAPI();
     static FCRemoteContentAPI *GetRemoteContentAPI();
@@ -38,19 +39,6 @@ public:
     static FCAocProgramInfoAPI *GetAocProgramInfoAPI();
 
     static bool is_initailzed;
-
-private:
-    static FCMBRNetworkChannelAPI *m_pMBRNetworkChannelAPI;
-    static FCRFNetworkChannelAPI *m_pRFNetworkChannelAPI;
-    static FCRemoteContentAPI *m_pRemoteContentAPI;
-    static FCRemoteContent_MSOAPI *m_pRemoteContentMSOAPI;
-    static FCTVLumeAPI *m_pTVLumeAPI;
-    static FIMatchFinder *m_pMatchFinder;
-    static FCVirtualChannelsAPI *m_pVirtualChannelsAPI;
-    static FCThumbnailManagerAPI *m_pThumbnailManagerAPI;
-    static FIACRSupportAPI *m_pACRSupportAPI;
-    static FCAocAppInfoAPI *m_pAocAppInfoAPI;
-    static FCAocProgramInfoAPI *m_pAocProgramInfoAPI;
 };
 
 // Makes proxies; every operation returns a new object owned by the caller.
@@ -71,9 +59,6 @@ public:
     virtual FCAocProgramInfoAPI *GetAocProgramInfoAPI() = 0;
     // Declared after the operations: the factory's table keeps the destructor in the last slots.
     virtual ~FCFenvoraObjectFactory() {}
-
-private:
-    static FCFenvoraObjectFactory *m_pInstance;
 };
 
 class FCObjectFactoryKR : public FCFenvoraObjectFactory {
