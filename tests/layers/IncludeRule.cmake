@@ -1,8 +1,8 @@
 # The include rule of the system (util/src, common/, src/), read from the include lines of its
 # files:
-#  - a proxy header (..._Proxy.h) is included only by proxies and by the client entry's source
-#    (FenvoraDefine.cpp), which makes them: records, marshal, call helpers, interfaces and the
-#    utility know the services by their interfaces;
+#  - a proxy header (..._Proxy.h) is included only by the proxies (src/) and by the client
+#    entry's source (common/Kelvo/Common/FenvoraDefine.cpp), which makes them: records, marshal,
+#    call helpers, interfaces and the utility know the services by their interfaces;
 #  - an interface header (FI....h, ...API.h) is a leaf of the services: it includes neither a
 #    proxy header nor the client entry's header, which includes the interfaces;
 #  - the system includes nothing of the host (platform/host), the simulated TV (tools/) or the
@@ -22,7 +22,7 @@ if(NOT SYSTEM_ROOT)
 endif()
 
 set(kSystemFolders util/src common src)
-set(kEntrySource FenvoraDefine.cpp)
+set(kEntrySource common/Kelvo/Common/FenvoraDefine.cpp)
 set(kEntryHeader FenvoraDefine.h)
 
 # Headers the system must never see, by name: the system's own files include by name through
@@ -54,12 +54,12 @@ foreach(file IN LISTS files)
   get_filename_component(fileName ${file} NAME)
   set(isProxy FALSE)
   set(isInterface FALSE)
-  if(fileName MATCHES "_Proxy\\.(h|cpp)$")
+  if(relative MATCHES "^src/" AND fileName MATCHES "_Proxy\\.(h|cpp)$")
     set(isProxy TRUE)
   elseif(fileName MATCHES "^FI.*\\.h$" OR fileName MATCHES "API\\.h$")
     set(isInterface TRUE)
   endif()
-  if(fileName STREQUAL kEntrySource)
+  if(relative STREQUAL kEntrySource)
     set(sawEntry TRUE)
   endif()
 
@@ -71,7 +71,7 @@ foreach(file IN LISTS files)
     set(included ${CMAKE_MATCH_1})
     get_filename_component(includedName ${included} NAME)
     set(why "")
-    if(includedName MATCHES "_Proxy\\.h$" AND NOT isProxy AND NOT fileName STREQUAL kEntrySource)
+    if(includedName MATCHES "_Proxy\\.h$" AND NOT isProxy AND NOT relative STREQUAL kEntrySource)
       if(isInterface)
         set(why "an interface header includes no proxy")
       else()
