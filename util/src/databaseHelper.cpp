@@ -25,12 +25,14 @@
 // to come are kept once space is back.
 //
 // The journal is a file beside the database, written before any page of the database changes
-// and deleted once a commit is complete. A process killed at any point, in a commit too, leaves
-// the two files in a state from which SQLite brings the database back to its last commit, with
-// every committed row. SQLite does not sync while rows arrive: a sync only matters when the
-// machine itself goes down, and a dump cut short is never used, the next one starts from an
-// empty file. CloseDB syncs the closed file, which is then the one file the dump's copy needs.
-// The next dump removes it, and a journal left by a killed run, before opening.
+// and marked done once a commit is complete. A process killed at any point, in a commit too,
+// leaves the two files in a state from which SQLite brings the database back to its last commit,
+// with every committed row. The connection holds the file's lock from its first write to its
+// close, so the journal stays between commits and is deleted at the close, and SQLite does not
+// sync while rows arrive: a sync only matters when the machine itself goes down, and a dump cut
+// short is never used, the next one starts from an empty file. CloseDB syncs the closed file,
+// which is then the one file the dump's copy needs. The next dump removes it, and a journal left
+// by a killed run, before opening.
 namespace {
 
 const char *const kDbFolder = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
@@ -67,7 +69,8 @@ void KelvoUtilDatabaseHelper::OpenDB()
         return;
     }
     // See the note at the top.
-    m_Exec("PRAGMA journal_mode=DELETE; PRAGMA synchronous=OFF; PRAGMA temp_store=MEMORY;");
+    m_Exec(
+        "PRAGMA journal_mode=DELETE; PRAGMA locking_mode=EXCLUSIVE; PRAGMA synchronous=OFF; PRAGMA temp_store=MEMORY;");
     m_CreateTable();
     m_BeginBatch();
 }

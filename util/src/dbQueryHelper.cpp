@@ -68,12 +68,18 @@ bool ReadsArgument(char conversion)
 std::string KelvoUtilStatementGuard::Apply(const std::string &statement)
 {
     const char *text = statement.c_str();
-    std::string safe;
+    const char *first = std::strchr(text, '%');
+    if (first == nullptr) {
+        return text;  // the common case: nothing for the formatter to read
+    }
+    std::string safe(text, first);
     safe.reserve(statement.size());
-    size_t i = 0;
+    size_t i = static_cast<size_t>(first - text);
     while (text[i] != '\0') {
         if (text[i] != '%') {
-            safe += text[i++];
+            const size_t plain = std::strcspn(text + i, "%");
+            safe.append(text + i, plain);
+            i += plain;
             continue;
         }
         size_t j = i + 1;
