@@ -11,6 +11,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,7 +21,10 @@
 namespace {
 
 const int kRowsWhileFull = 6000;
-const int kRowsAfterSpaceReturns = 1500;
+const int kRowsAfterSpaceReturns = 700;
+// Free space that may stay unused once rows no longer fit: what one more row and its journal
+// need, a few pages. A lost batch would leave hundreds of kilobytes.
+const unsigned long kMostFreeBytesWhenFull = 64 * 1024;
 
 bool WriteFile(const std::string &path, const std::string &text)
 {
@@ -45,8 +49,9 @@ std::string MountSmallFileSystem(const std::string &folder)
     return "";
 }
 
-// Runs in the child: fills the disk until the dump no longer fits, frees the space again, inserts
-// more, closes, and copies the file and the failures logged out to `out`.
+// Runs in the child: fills the disk until the dump no longer fits, notes the space left, frees
+// the space again, inserts more, closes, and copies the file, the space left and the failures
+// logged out to `out`.
 void RunScenario(const std::string &out)
 {
     const std::string folder = out + "/fs", reason = MountSmallFileSystem(folder);
@@ -57,13 +62,18 @@ void RunScenario(const std::string &out)
     RelocatedDatabaseHelper helper(folder + "/data");
     FakeDlog::Clear();
     helper.OpenDB();
-    // About 300 bytes a row: a batch is a noticeable part of the file system.
+    // About 650 bytes a row: a batch is more than half of the space left.
     for (int i = 0; i < kRowsWhileFull + kRowsAfterSpaceReturns; ++i) {
-        if (i == kRowsWhileFull)
+        if (i == kRowsWhileFull) {
+            struct statvfs space;
+            WriteFile(out + "/free", statvfs(folder.c_str(), &space) == 0
+                                         ? std::to_string(space.f_bavail * space.f_frsize)
+                                         : std::string("statvfs failed"));
             unlink((folder + "/filler").c_str());
+        }
         const bool full = i < kRowsWhileFull;
         helper.InsertProgramRF(RfRow((full ? "full " : "free ") + std::to_string(full ? i : i - kRowsWhileFull),
-                                     std::u16string(280, u'd')));
+                                     std::u16string(600, u'd')));
     }
     helper.CloseDB();
     std::ofstream log(out + "/log");
@@ -72,9 +82,9 @@ void RunScenario(const std::string &out)
     std::filesystem::copy_file(helper.DbPath(), out + "/dump.db");
 }
 
-// Rows of batches committed before the disk filled stay; the open batch is what a full disk
-// costs; once space is back, rows are kept again; the file is consistent throughout.
-TEST(DatabaseFullDisk, CommittedRowsSurviveAndTheFileStaysConsistent)
+// Only the rows that do not fit are lost: rows are kept until the disk is full to the last few
+// pages, none after that until space is back, and all once it is; the file is consistent.
+TEST(DatabaseFullDisk, OnlyRowsThatDoNotFitAreLost)
 {
     TempFolder temp;
     const pid_t child = fork();
@@ -87,12 +97,15 @@ TEST(DatabaseFullDisk, CommittedRowsSurviveAndTheFileStaysConsistent)
         _exit(0);
     }
     ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    std::ifstream skip(temp.Path() + "/skip"), log(temp.Path() + "/log");
+    std::ifstream skip(temp.Path() + "/skip"), log(temp.Path() + "/log"), freeBytes(temp.Path() + "/free");
     const std::string reason(std::istreambuf_iterator<char>(skip), {}), logged(std::istreambuf_iterator<char>(log), {});
     ASSERT_EQ(reason.rfind("error ", 0), std::string::npos) << reason;
     if (skip.is_open())
         GTEST_SKIP() << "no small file system for this test: " << reason;
     const std::string db = temp.Path() + "/dump.db";
+    unsigned long leftWhenFull = ~0UL;
+    EXPECT_TRUE(static_cast<bool>(freeBytes >> leftWhenFull)) << "no free space noted";
+    EXPECT_LT(leftWhenFull, kMostFreeBytesWhenFull) << "rows were lost while space was left";
     EXPECT_EQ(QueryRows(db, "PRAGMA integrity_check"), std::vector<std::string>{"ok"});
     EXPECT_NE(logged.find(":13"), std::string::npos)  // SQLITE_FULL
         << "the 1 MiB left never filled up: " << logged;
@@ -101,7 +114,7 @@ TEST(DatabaseFullDisk, CommittedRowsSurviveAndTheFileStaysConsistent)
     for (const std::string &row : QueryRows(db, "SELECT title FROM programRF ORDER BY rowid"))
         (row.rfind("full ", 0) == 0 ? full : free).push_back(std::stoi(row.substr(5)));
     // Rows written before the disk filled: a complete prefix, then at most the one batch that
-    // was open when space came back, which runs to the end of that phase.
+    // was open when space came back, which runs to the end of that phase and is then committed.
     ASSERT_FALSE(full.empty()) << "no batch was committed before the disk filled";
     EXPECT_LT(full.size(), static_cast<size_t>(kRowsWhileFull)) << "nothing was lost: the disk never filled";
     size_t prefix = 0;

@@ -67,11 +67,10 @@ TEST_F(DatabaseHelper, ConversionsInTitlesAreConsumedWithoutReadingArguments)
         {"%q%Q%w%z", ""},
         {"%f%e%g%G%E", ""},
         {"%lld|%llu|%ld|%lx", "|||"},
-        {"%1$s", "s"},
         {"%*d|%.*s|%-*.*s|%*.*lld", "|||"},
         {"%10.5s|%-20s|%+d|%#x|%!.3f|%,d|%05d", "||||||"},
         {"100% sure", "100ure"},
-        {"%5%", ""},
+        {"%5%", "    %"},
         {"%T%S%r", ""},
     };
     Texts expected;

@@ -104,6 +104,7 @@ TEST(DbQueryHelper, CreateAndInsertTexts)
     EXPECT_EQ(out, insert);
     EXPECT_EQ(FakeDlog::Messages("kelvo-util"), (std::vector<std::string>{"query =" + create, "query: " + insert}));
     EXPECT_EQ(FakeDlog::Lines()[0].prio, DLOG_DEBUG);
+    EXPECT_EQ(FakeDlog::Lines()[1].prio, DLOG_WARN);
 }
 
 TEST(DbQueryHelper, ApostrophesBecomeDoubleQuotesInsideSingleQuotes)

@@ -100,7 +100,7 @@ TEST_F(LinkGuard, CopiedLinksNeverStayInTheTargetFolder)
     for (const char *name : {"/b.db", "/nested.db/inner", "/c.json", "/.hidden.db"})
         fs::create_symlink(m_victim, to + name);
 
-    KelvoUtilDataHandler::RemoveCopiedLinks(from, ".db", to + "/");
+    KelvoUtilDataHandler::RemoveCopiedSpecialFiles(from, ".db", to + "/");
 
     EXPECT_EQ(ReadFile(to + "/a.db"), "real");
     EXPECT_FALSE(fs::is_symlink(to + "/b.db"));

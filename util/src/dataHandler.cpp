@@ -60,19 +60,36 @@ const CopySource kCopySources[] = {
     {BASE_APP_DATA, "/ContentServiceManager/data/*.db "},
 };
 
-int RemoveLinkEntry(const char *path, const struct stat *, int type, struct FTW *)
+// What a copy may bring along besides regular files and folders, by the name the log gives it.
+const char *SpecialKind(mode_t mode)
 {
-    if (type == FTW_SL || type == FTW_SLN) {
-        KELVO_UTIL_LOG("symbolic link removed: %s", path);
+    if (S_ISLNK(mode))
+        return "symbolic link";
+    if (S_ISFIFO(mode))
+        return "FIFO";
+    if (S_ISSOCK(mode))
+        return "socket";
+    if (S_ISCHR(mode) || S_ISBLK(mode))
+        return "device node";
+    return nullptr;
+}
+
+int RemoveSpecialEntry(const char *path, const struct stat *st, int type, struct FTW *)
+{
+    const char *kind = type != FTW_NS ? SpecialKind(st->st_mode) : nullptr;
+    if (kind != nullptr) {
+        KELVO_UTIL_LOG("%s removed: %s", kind, path);
         unlink(path);
     }
     return 0;
 }
 
-// Every symbolic link at path or below it, without following any.
-void RemoveLinksBelow(const std::string &path)
+// Every entry at path or below it that is neither a regular file nor a folder, without following
+// any link: a link would lead the daemon out of its folder, and opening a FIFO or a device blocks
+// or reaches hardware.
+void RemoveSpecialFilesBelow(const std::string &path)
 {
-    nftw(path.c_str(), RemoveLinkEntry, 16, FTW_PHYS);
+    nftw(path.c_str(), RemoveSpecialEntry, 16, FTW_PHYS);
 }
 
 bool EndsWith(const std::string &text, const std::string &suffix)
@@ -131,8 +148,8 @@ bool KelvoUtilDataHandler::m_CallTVSUtil(int (IUtil::*operation)(const char *), 
     return ret > 0;
 }
 
-void KelvoUtilDataHandler::RemoveCopiedLinks(const std::string &fromFolder, const std::string &suffix,
-                                             const std::string &toFolder)
+void KelvoUtilDataHandler::RemoveCopiedSpecialFiles(const std::string &fromFolder, const std::string &suffix,
+                                                    const std::string &toFolder)
 {
     DIR *dir = opendir(fromFolder.c_str());
     if (dir == nullptr)
@@ -146,7 +163,7 @@ void KelvoUtilDataHandler::RemoveCopiedLinks(const std::string &fromFolder, cons
     }
     closedir(dir);
     for (const std::string &name : names)
-        RemoveLinksBelow(toFolder + name);
+        RemoveSpecialFilesBelow(toFolder + name);
 }
 
 // ---- restore ------------------------------------------------------------------------------
@@ -163,23 +180,38 @@ bool KelvoUtilDataHandler::RestoreData(std::string mountPath)
         return false;
 
     const std::string restorePath = mountPath + kRestoreFolder;
+    // A link would hand the copies and the middleware's restore a folder of the TV itself.
+    struct stat st;
+    if (lstat(restorePath.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+        KELVO_UTIL_LOG("restore folder [%s] refused: it is a symbolic link, and the restore reads only what lies "
+                       "on the storage",
+                       restorePath.c_str());
+        return false;
+    }
     KELVO_UTIL_LOG("Start Restore Kelvo DB");
 
-    // The copy statuses are only logged. cp -r copies a link as a link, and the daemon would
-    // follow it out of its folder: links among the copied names are removed right after.
+    // The copy statuses are only logged. cp -r copies a link as a link and re-creates FIFOs,
+    // sockets and device nodes: whatever of that kind arrived under the copied names is removed
+    // right after, so that only regular files reach the daemon.
     for (const char *suffix : {".db", ".json"}) {
         const std::string command = kCopyCommand + restorePath + "/*" + suffix + " " + kDaemonDataFolder + ";sync";
         int ret = system(command.c_str());
         KELVO_UTIL_LOG("restoreCommand %s", command.c_str());
         KELVO_UTIL_LOG("restore return %d", ret);
-        RemoveCopiedLinks(restorePath, suffix, kDaemonDataFolder);
+        RemoveCopiedSpecialFiles(restorePath, suffix, kDaemonDataFolder);
     }
 
     // The clock comes from the dump folder of the same storage, not from the restore folder.
     // The file only ever holds the one number a dump wrote, so end-of-file is the loop's only
-    // exit; the process's run-time limit covers a file that is not a number.
+    // exit; the process's run-time limit covers a file that is not a number. Anything but a
+    // regular file is not read at all: opening a FIFO would wait for a writer forever.
     struct timeval restoreTime = {0, 0};
-    FILE *fp = fopen((mountPath + kDumpFolder + kTimeFile).c_str(), "r");
+    const std::string timePath = mountPath + kDumpFolder + kTimeFile;
+    FILE *fp = nullptr;
+    if (stat(timePath.c_str(), &st) == 0 && !S_ISREG(st.st_mode))
+        KELVO_UTIL_LOG("time file [%s] is not a regular file, the clock is left alone", timePath.c_str());
+    else
+        fp = fopen(timePath.c_str(), "r");
     if (fp != nullptr) {
         while (fscanf(fp, "%ld", &restoreTime.tv_sec) != EOF)
             KELVO_UTIL_LOG("restore time is %ld", restoreTime.tv_sec);
@@ -228,8 +260,8 @@ void KelvoUtilDataHandler::PrepareDumpDBFolder(std::string dumpPath)
         KELVO_UTIL_LOG("Dump db exist");
         int ret = system((kRemoveCommand + dumpPath + "/*;sync").c_str());
         KELVO_UTIL_LOG("result_remove is %d", ret);
-        // Dot-entries survive the pattern; none of them may redirect a later write.
-        RemoveLinksBelow(dumpPath);
+        // Dot-entries survive the pattern; none of them may redirect or block a later write.
+        RemoveSpecialFilesBelow(dumpPath);
     } else {
         KELVO_UTIL_LOG("Make Dump DB Folder");
         mkdir(dumpPath.c_str(), 0750);

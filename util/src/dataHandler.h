@@ -41,10 +41,10 @@ public:
     void BackupProgramDataOfMeta();
     void SaveProgramInfoFromMeta();
 
-    // Removes every symbolic link that a copy of fromFolder's "*<suffix>" entries made in
-    // toFolder, at the copied names and anywhere below them.
-    static void RemoveCopiedLinks(const std::string &fromFolder, const std::string &suffix,
-                                  const std::string &toFolder);
+    // Removes every symbolic link, FIFO, socket and device node that a copy of fromFolder's
+    // "*<suffix>" entries made in toFolder, at the copied names and anywhere below them.
+    static void RemoveCopiedSpecialFiles(const std::string &fromFolder, const std::string &suffix,
+                                         const std::string &toFolder);
 
 private:
     static bool m_IsSafeMountPath(const std::string &mountPath);

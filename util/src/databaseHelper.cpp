@@ -10,116 +10,47 @@
 
 #include "KelvoUtilLog.h"
 
-// Speed and what a full disk costs.
+// Speed, and what a full disk or a crash costs.
 //
-// A dump inserts tens of thousands of rows; one autocommit with a journal file and syncs per
-// row would make the database the slowest step of the dump. Each open file is therefore new and
-// private to this run, so the connection keeps its rollback journal in memory, does not sync
-// while rows arrive, and collects rows in batches: a transaction begun after the tables exist,
-// committed every kRowsPerBatch rows and at CloseDB, which then syncs the closed file: once
-// CloseDB has returned the file is complete and consistent on disk.
+// A dump inserts tens of thousands of rows; one transaction with its syncs per row would make
+// the database the slowest step of the dump. Rows are therefore collected in batches: a
+// transaction begun after the tables exist, committed every kRowsPerBatch rows and at CloseDB.
 //
-// A statement that fails on its own (its row is malformed) loses that row only: SQLite undoes
-// the statement and the batch goes on. When the disk fills (SQLITE_FULL) or the file cannot be
-// written, SQLite gives up the whole open transaction: the rows of the open batch are lost, the
-// rows of every batch committed before stay in the file, and a new batch is begun so that rows
-// that still fit after space comes back are kept. The in-memory journal restores the file to
-// its last committed state on such a rollback; only a crash of the process in the middle of a
-// commit could leave a damaged file, and the next dump deletes it before opening.
+// Every row that can be stored is kept. A statement that fails on its own (its row is
+// malformed) loses that row only: SQLite undoes the statement and the batch goes on. When a
+// batch cannot be committed because the disk is full or cannot be written, SQLite gives up the
+// whole transaction; the statements of the batch are kept in memory, so they are run again one
+// by one, each its own transaction, and only the rows that still do not fit are lost. A row whose
+// statement met a full disk is tried once more the same way. A new batch then begins, so the rows
+// to come are kept once space is back.
+//
+// The journal is a file beside the database, written before any page of the database changes
+// and marked done once a commit is complete. A process killed at any point, in a commit too,
+// leaves the two files in a state from which SQLite brings the database back to its last commit,
+// with every committed row. The connection holds the file's lock from its first write to its
+// close, so the journal stays between commits and is deleted at the close, and SQLite does not
+// sync while rows arrive: a sync only matters when the machine itself goes down, and a dump cut
+// short is never used, the next one starts from an empty file. CloseDB syncs the closed file,
+// which is then the one file the dump's copy needs. The next dump removes it, and a journal left
+// by a killed run, before opening.
 namespace {
-
-const unsigned int kRowsPerBatch = 1000;
 
 const char *const kDbFolder = "/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data/";
 const char *const kDbFileName = "kelvoutilInfo.db";
+const char *const kCompanionSuffixes[] = {"-journal", "-wal", "-shm"};
 
-// Index one past the end of the conversion directive whose '%' stands at `percent`, read
-// the way SQLite's formatter reads one: flags "-+ #!0,", a width of digits or '*', a precision
-// of '.' then digits or '*', a length "l" or "ll", then the conversion character. A text that
-// ends inside the directive ends it.
-size_t ConversionEnd(const std::string &text, size_t percent)
+// The failures that come from the storage rather than from the statement.
+bool IsStorageError(int ret)
 {
-    const size_t size = text.size();
-    auto at = [&](size_t i) { return i < size ? text[i] : '\0'; };
-    auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    auto after = [&](size_t i) { return i < size ? i + 1 : size; };
-    size_t i = percent + 1;
-    for (;;) {
-        const char c = at(i);
-        if (std::strchr("-+ #!0,", c) != nullptr && c != '\0') {
-            ++i;
-        } else if (c == 'l') {
-            i += (at(i + 1) == 'l') ? 2 : 1;
-            return after(i);
-        } else if (isDigit(c) || c == '*') {
-            if (c == '*') {
-                ++i;
-            } else {
-                while (isDigit(at(i))) {
-                    ++i;
-                }
-            }
-            if (at(i) != '.' && at(i) != 'l') {
-                return after(i);
-            }
-        } else if (c == '.') {
-            ++i;
-            if (at(i) == '*') {
-                ++i;
-            } else {
-                while (isDigit(at(i))) {
-                    ++i;
-                }
-            }
-            if (at(i) != 'l') {
-                return after(i);
-            }
-        } else {
-            return after(i);
-        }
-    }
-}
-
-// Statements go through sqlite3_mprintf as its format with no arguments, so that "%%" in a
-// value arrives as "%". A title is broadcast or server text: a conversion in it ("%s", "%n",
-// "%*d", ...) would make the formatter read an argument that is not there. Each '%' that is
-// not part of "%%" is therefore taken out with its whole directive before formatting;
-// a lone '%' that ends the text is doubled, so it still prints as itself. Text without such
-// a conversion is left exactly as it is.
-void ConsumeConversions(std::string &query)
-{
-    size_t percent = query.find('%');
-    if (percent == std::string::npos) {
-        return;
-    }
-    std::string safe;
-    safe.reserve(query.size());
-    size_t copied = 0;
-    while (percent != std::string::npos) {
-        size_t next;
-        if (percent + 1 < query.size() && query[percent + 1] == '%') {
-            next = percent + 2;
-            safe.append(query, copied, next - copied);
-        } else if (percent + 1 == query.size()) {
-            next = query.size();
-            safe.append(query, copied, percent - copied);
-            safe += "%%";
-        } else {
-            next = ConversionEnd(query, percent);
-            safe.append(query, copied, percent - copied);
-        }
-        copied = next;
-        percent = query.find('%', next);
-    }
-    safe.append(query, copied, std::string::npos);
-    query.swap(safe);
+    const int primary = ret & 0xff;
+    return primary == SQLITE_FULL || primary == SQLITE_IOERR;
 }
 
 }  // namespace
 
 KelvoUtilDatabaseHelper::KelvoUtilDatabaseHelper()
     : m_dbPath(std::string(kDbFolder) + kDbFileName), m_dbFolder(kDbFolder), m_rfTableName("programRF"),
-      m_metaTableName("programMETA"), m_db(nullptr), m_inBatch(false), m_batchRows(0)
+      m_metaTableName("programMETA"), m_db(nullptr), m_inBatch(false)
 {}
 
 KelvoUtilDatabaseHelper::~KelvoUtilDatabaseHelper() = default;
@@ -137,8 +68,9 @@ void KelvoUtilDatabaseHelper::OpenDB()
         KELVO_UTIL_LOG("fail to sqlite3_open - error:%d", sqlite3_errcode(m_db));
         return;
     }
-    // The file is new and only this run writes it; see the note at the top.
-    m_Exec("PRAGMA journal_mode=MEMORY; PRAGMA synchronous=OFF; PRAGMA temp_store=MEMORY;");
+    // See the note at the top.
+    m_Exec(
+        "PRAGMA journal_mode=DELETE; PRAGMA locking_mode=EXCLUSIVE; PRAGMA synchronous=OFF; PRAGMA temp_store=MEMORY;");
     m_CreateTable();
     m_BeginBatch();
 }
@@ -194,19 +126,22 @@ void KelvoUtilDatabaseHelper::InsertProgramMeta(KelvoUtilProgramData row)
 
 void KelvoUtilDatabaseHelper::ExecuteQuery(std::string query)
 {
-    ConsumeConversions(query);
-    char *statement = sqlite3_mprintf(query.c_str());
-    const int ret = sqlite3_exec(m_db, statement, nullptr, nullptr, nullptr);
+    char *statement = sqlite3_mprintf(KelvoUtilStatementGuard::Apply(query).c_str());
+    // A statement too long to format is a failed row, not an empty success.
+    const int ret = statement != nullptr ? sqlite3_exec(m_db, statement, nullptr, nullptr, nullptr) : SQLITE_NOMEM;
+    std::string text = statement != nullptr ? statement : "";
     sqlite3_free(statement);
     if (ret != SQLITE_OK) {
         KELVO_UTIL_LOG("Insert error, ret:%d", ret);
-        if (m_inBatch && m_db != nullptr && sqlite3_get_autocommit(m_db) != 0) {
-            // SQLite gave up the open batch (disk full, write error); keep the rows to come.
-            KELVO_UTIL_LOG("batch of %u rows rolled back", m_batchRows);
-            m_inBatch = false;
+        if (m_inBatch && IsStorageError(ret)) {
+            m_CommitBatch();
+            m_ReplayStatement(text);
             m_BeginBatch();
         }
         return;
+    }
+    if (m_inBatch) {
+        m_batch.push_back(std::move(text));
     }
     KELVO_UTIL_LOG("end");
 }
@@ -240,6 +175,10 @@ void KelvoUtilDatabaseHelper::m_SyncFile()
 void KelvoUtilDatabaseHelper::m_RemoveDBFile()
 {
     remove(m_dbPath.c_str());
+    // A journal left by a killed run would be played back into the new file.
+    for (const char *suffix : kCompanionSuffixes) {
+        remove((m_dbPath + suffix).c_str());
+    }
 }
 
 void KelvoUtilDatabaseHelper::m_InitQueryMaker()
@@ -288,7 +227,7 @@ void KelvoUtilDatabaseHelper::m_InsertRow(KelvoUtilDbQueryHelper &row)
     std::string query;
     row.GetInsertQuery(query);
     ExecuteQuery(query);
-    if (m_inBatch && ++m_batchRows >= kRowsPerBatch) {
+    if (m_inBatch && m_batch.size() >= kRowsPerBatch) {
         m_CommitBatch();
         m_BeginBatch();
     }
@@ -301,7 +240,7 @@ bool KelvoUtilDatabaseHelper::m_Exec(const char *sql)
 
 void KelvoUtilDatabaseHelper::m_BeginBatch()
 {
-    m_batchRows = 0;
+    m_batch.clear();
     m_inBatch = m_Exec("BEGIN;");
 }
 
@@ -311,11 +250,36 @@ void KelvoUtilDatabaseHelper::m_CommitBatch()
         return;
     }
     m_inBatch = false;
-    if (m_Exec("COMMIT;")) {
+    // SQLite may already have given the transaction up, on a statement that met a full disk.
+    if (sqlite3_get_autocommit(m_db) == 0 && m_Exec("COMMIT;")) {
+        m_batch.clear();
         return;
     }
-    KELVO_UTIL_LOG("fail to commit - error:%d, %u rows lost", sqlite3_errcode(m_db), m_batchRows);
+    KELVO_UTIL_LOG("fail to commit - error:%d, %u rows run again one by one", sqlite3_errcode(m_db),
+                   static_cast<unsigned int>(m_batch.size()));
     if (sqlite3_get_autocommit(m_db) == 0) {
         m_Exec("ROLLBACK;");
     }
+    unsigned int lost = 0;
+    for (const std::string &statement : m_batch) {
+        if (!m_ReplayStatement(statement)) {
+            ++lost;
+        }
+    }
+    KELVO_UTIL_LOG("%u of %u rows kept", static_cast<unsigned int>(m_batch.size()) - lost,
+                   static_cast<unsigned int>(m_batch.size()));
+    m_batch.clear();
+}
+
+bool KelvoUtilDatabaseHelper::m_ReplayStatement(const std::string &statement)
+{
+    if (statement.empty()) {
+        return false;
+    }
+    const int ret = sqlite3_exec(m_db, statement.c_str(), nullptr, nullptr, nullptr);
+    if (ret != SQLITE_OK) {
+        KELVO_UTIL_LOG("Insert error, ret:%d", ret);
+        return false;
+    }
+    return true;
 }

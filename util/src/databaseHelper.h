@@ -4,6 +4,7 @@
 #define KELVO_UTIL_DATABASE_HELPER_H
 
 #include <string>
+#include <vector>
 
 #include "dbQueryHelper.h"
 #include "programData.h"
@@ -12,6 +13,9 @@ struct sqlite3;
 
 class KelvoUtilDatabaseHelper {
 public:
+    // Rows per transaction while a dump writes.
+    static const unsigned int kRowsPerBatch = 1000;
+
     KelvoUtilDatabaseHelper();
     virtual ~KelvoUtilDatabaseHelper();
 
@@ -36,6 +40,7 @@ private:
     bool m_Exec(const char *sql);
     void m_BeginBatch();
     void m_CommitBatch();
+    bool m_ReplayStatement(const std::string &statement);
 
     std::string m_rfTableName;
     std::string m_metaTableName;
@@ -43,7 +48,8 @@ private:
     KelvoUtilDbQueryHelper m_metaQueryMaker;
     sqlite3 *m_db;
     bool m_inBatch;
-    unsigned int m_batchRows;
+    // The formatted statements of the open batch, run again one by one if it cannot be committed.
+    std::vector<std::string> m_batch;
 };
 
 #endif

@@ -2,6 +2,8 @@
 
 #include "KelvoUtilLog.h"
 
+#include <cstring>
+
 namespace {
 
 const char *const kColumnNames[] = {
@@ -24,7 +26,105 @@ std::string Join(const std::list<std::string> &items)
     return text;
 }
 
+// Statement texts go through SQLite's formatter, whose directives read, as this guard reads them:
+//
+//   directive  = '%' flags [width] [precision] [length] conversion
+//   flags      = { '-' | '+' | ' ' | '#' | '!' | '0' | ',' }     in any order, repeated
+//   width      = '*' | digit { digit }                            '*' reads an int argument
+//   precision  = '.' [ '*' | digit { digit } ]                    '.*' reads one too
+//   length     = 'l' | 'll'
+//   conversion = one character
+//
+// A width starts at a digit 1-9, since a '0' before it is a flag. Conversions that read an
+// argument: d i u x X o c p n q Q w s z f e E g G r, and T S, which the library keeps for its
+// own use (a public format stops at them). '%' reads none and prints a '%' padded to the width.
+// Any other character, the end of the text included, stops the formatter: nothing after it
+// is printed. There is nothing else: no positional "%1$s", no 'h', 'j', 'L' or 't' length,
+// no flag after a width, no '\'' flag.
+//
+// The guard removes:
+// - a directive with an argument-reading conversion, whole;
+// - a '%' conversion with a '*' or a width of kMaxPercentWidthDigits digits or more, whole: the
+//   one would read an argument, the other makes the formatter build a text of up to a gigabyte;
+// - before a character that is no conversion, a '%' with a '*' in it up to that character: the
+//   formatter would read the argument and then stop; the character itself stays.
+// Nothing else is touched: "%%", a padded '%', a '%' that the formatter stops at and a lone '%'
+// at the end are left for it to treat as it always does. No directive holds a quote, so a quote
+// is never removed. The formatter reads the text up to its first NUL; so does the guard.
+const size_t kMaxPercentWidthDigits = 5;
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool ReadsArgument(char conversion)
+{
+    return conversion != '\0' && std::strchr("diuxXocpnqQwszfeEgGrTS", conversion) != nullptr;
+}
+
 }  // namespace
+
+std::string KelvoUtilStatementGuard::Apply(const std::string &statement)
+{
+    const char *text = statement.c_str();
+    const char *first = std::strchr(text, '%');
+    if (first == nullptr) {
+        return text;  // the common case: nothing for the formatter to read
+    }
+    std::string safe(text, first);
+    safe.reserve(statement.size());
+    size_t i = static_cast<size_t>(first - text);
+    while (text[i] != '\0') {
+        if (text[i] != '%') {
+            const size_t plain = std::strcspn(text + i, "%");
+            safe.append(text + i, plain);
+            i += plain;
+            continue;
+        }
+        size_t j = i + 1;
+        while (text[j] != '\0' && std::strchr("-+ #!0,", text[j]) != nullptr) {
+            ++j;
+        }
+        bool starred = false;
+        size_t widthDigits = 0;
+        if (text[j] == '*') {
+            starred = true;
+            ++j;
+        } else {
+            for (; IsDigit(text[j]); ++j) {
+                ++widthDigits;
+            }
+        }
+        if (text[j] == '.') {
+            ++j;
+            if (text[j] == '*') {
+                starred = true;
+                ++j;
+            } else {
+                while (IsDigit(text[j])) {
+                    ++j;
+                }
+            }
+        }
+        if (text[j] == 'l') {
+            j += text[j + 1] == 'l' ? 2 : 1;
+        }
+        const char conversion = text[j];
+        if (conversion == '%' && !starred && widthDigits < kMaxPercentWidthDigits) {
+            safe.append(text + i, j + 1 - i);
+            i = j + 1;
+        } else if (ReadsArgument(conversion) || conversion == '%') {
+            i = j + 1;
+        } else if (starred) {
+            i = j;  // the formatter stops at text[j]: it stays, the argument read goes
+        } else {
+            safe.append(text + i, j - i);
+            i = j;
+        }
+    }
+    return safe;
+}
 
 KelvoUtilDbQueryHelper::KelvoUtilDbQueryHelper() = default;
 
@@ -61,7 +161,7 @@ bool KelvoUtilDbQueryHelper::GetInsertQuery(std::string &out)
     }
     std::string query =
         "INSERT OR IGNORE INTO " + m_tableName + " (" + Join(m_columnNames) + ") VALUES (" + Join(m_columnValues) + ")";
-    KELVO_UTIL_LOGD("query: %s", query.c_str());
+    KELVO_UTIL_LOG("query: %s", query.c_str());
     out = std::move(query);
     return true;
 }

@@ -53,4 +53,13 @@ private:
     std::list<std::string> m_columnValues;
 };
 
+// Makes a statement text safe to hand to sqlite3_mprintf as its format with no arguments: titles
+// and descriptions are broadcast or server text, and a directive in them must never make the
+// formatter read an argument that is not there.
+class KelvoUtilStatementGuard {
+public:
+    // The text with every argument-reading directive taken out; everything else is unchanged.
+    static std::string Apply(const std::string &statement);
+};
+
 #endif

@@ -6,7 +6,9 @@
 // files of the folder that are middleware data: "db-tvs-*" into TZ_SYS_DB, and a file whose
 // name the channel manager's folder already holds into that folder. Everything else in the
 // folder (the content daemon's databases, JSON files, time.txt, ...) is not the middleware's
-// and is left alone. Links are never followed, neither when reading nor when writing.
+// and is left alone. Links are never followed, neither when reading nor when writing, and no
+// file is ever copied onto itself: a folder that is one of the middleware's own, by whatever
+// path, is refused, and so is a target that is its source.
 //
 // The simulator's control folder /opt/var/kelvo-sim/ (inside the TV's /opt) lets a test make
 // an operation fail (files "fail-backup", "fail-restore") and see which operations ran
@@ -103,21 +105,56 @@ std::vector<DataFile> MiddlewareDataFiles()
     return files;
 }
 
-// Copies a regular file; a link at either end makes the copy fail rather than be followed.
+bool SameFile(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// The same folder as any folder the middleware keeps its data in, whatever the path says.
+bool IsMiddlewareFolder(const std::string &folder)
+{
+    struct stat given;
+    if (stat(folder.c_str(), &given) != 0)
+        return false;
+    for (const std::string &own : {ChannelFolder(), PlatformFolder(TZ_SYS_DB)}) {
+        struct stat st;
+        if (!own.empty() && stat(own.c_str(), &st) == 0 && SameFile(given, st))
+            return true;
+    }
+    return false;
+}
+
+// Copies a regular file; a link at either end makes the copy fail rather than be followed, and
+// so does a target that is the source itself, which opening for writing would empty.
 bool CopyFile(const std::string &from, const std::string &to)
 {
-    int in = open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    int in = open(from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (in < 0)
         return false;
+    struct stat source;
+    if (fstat(in, &source) != 0 || !S_ISREG(source.st_mode)) {
+        close(in);
+        return false;
+    }
     struct stat st;
     if (lstat(to.c_str(), &st) == 0 && S_ISLNK(st.st_mode))
         unlink(to.c_str());
-    int out = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+    int out = open(to.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644);
     if (out < 0) {
         close(in);
         return false;
     }
-    bool ok = true;
+    struct stat target;
+    bool ok = fstat(out, &target) == 0 && S_ISREG(target.st_mode);
+    if (ok && SameFile(source, target)) {
+        dlog_print(DLOG_WARN, kLogTag, "%s is %s itself: not copied onto itself", to.c_str(), from.c_str());
+        ok = false;
+    }
+    if (!ok || ftruncate(out, 0) != 0) {
+        close(in);
+        close(out);
+        return false;
+    }
     char buffer[65536];
     for (;;) {
         ssize_t n = read(in, buffer, sizeof buffer);
@@ -175,6 +212,10 @@ public:
         std::string target = folder;
         if (!IsDirectory(target) || access(target.c_str(), W_OK | X_OK) != 0)
             return Report("backup", shown, -1);
+        if (IsMiddlewareFolder(target)) {
+            dlog_print(DLOG_WARN, kLogTag, "backup into %s refused: it is the middleware's own data folder", shown);
+            return Report("backup", shown, -1);
+        }
         int copied = 0;
         for (const DataFile &file : MiddlewareDataFiles()) {
             if (CopyFile(file.folder + "/" + file.name, target + "/" + file.name))
@@ -193,6 +234,10 @@ public:
         std::string source = folder;
         if (!IsDirectory(source))
             return Report("restore", shown, -1);
+        if (IsMiddlewareFolder(source)) {
+            dlog_print(DLOG_WARN, kLogTag, "restore from %s refused: it is the middleware's own data folder", shown);
+            return Report("restore", shown, -1);
+        }
         std::string databases = PlatformFolder(TZ_SYS_DB);
         std::string channels = ChannelFolder();
         bool ok = true;
