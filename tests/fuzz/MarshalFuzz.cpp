@@ -10,6 +10,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "CKelvoResponse.h"
@@ -76,14 +77,18 @@ struct Out {
     std::map<std::string, std::vector<FCRemoteProgram>> programMap;
 };
 
-// One reader on its own copy of the reply: the non-const readers add members to what they read,
-// and each reader is to see the reply as the daemon sent it.
+// One reader. The non-const readers add members to what they read, and each reader is to see the
+// reply as the daemon sent it: those read a copy.
 template <typename Read>
 void MayRaise(const Json::Value &reply, Out &out, const Read &read)
 {
-    Json::Value in(reply);
     try {
-        read(in, out);
+        if constexpr (std::is_invocable_v<Read, const Json::Value &, Out &>) {
+            read(reply, out);
+        } else {
+            Json::Value in(reply);
+            read(in, out);
+        }
     } catch (const Json::Exception &) {}
 }
 
@@ -97,11 +102,11 @@ void ReadScalars(const Json::Value &reply, Out &o)
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToTVSourceAndTVMode(in, o.source, o.number); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToTVSourceAndTVMode(in, o.source, o.number, o.second); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToactivityID(in, o.activity); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToChannelCRC(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToStr(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToChannelCRC(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToStr(in, o.text); });
     MayRaise(reply, o,
              [](V &in, Out &o) { M::JsonToProgramSourceIdAndUtcCurrentTime(in, o.activity, o.text, o.time); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramSourceID(in, o.activity, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToProgramSourceID(in, o.activity, o.text); });
     MayRaise(reply, o, [](V &in, Out &o) {
         M::JsonToSourceIDLstAndUtcStartTimeAndDurationAndFCFilterCriteria(in, o.activity, o.ids, o.number, o.second,
                                                                           o.filter);
@@ -115,58 +120,58 @@ void ReadScalars(const Json::Value &reply, Out &o)
     MayRaise(reply, o, [](V &in, Out &o) {
         M::UnmarshalingForGetRecommendationOnNow(in, o.activity, o.text, o.time, o.number, o.filter);
     });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToTCServiceId(in, o.id); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToTCServiceId(in, o.id); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToMBRChannelAndUTCCurrentTime(in, o.activity, o.text, o.time); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToSearchString(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToNavigationMode(in, o.navigation); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToGenre(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToCount(in, o.number); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToSource(in, o.source); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToEactivityID(in, o.mbrActivity); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToHeadEndID(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToZipCode(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToDeviceType(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToLocation(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToQueryType(in, o.query); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToCurrentTime(in, o.time); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToChannelID(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToMajorMinor(in, o.number, o.second); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToEFavorite(in, o.favorite); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToChannelIdMajor(in, o.text, o.text2); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToStartTime(in, o.unsignedNumber); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToDuration(in, o.unsignedNumber); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToEProgramIndicator(in, o.indicator); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToChannelLogo(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramLogo(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToLogoSize(in, o.logoSize); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::VCJsonToServiceId(in, o.id); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToPlayerType(in, o.player); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToPGNum(in, o.shortNumber); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramLogoType(in, o.logoType); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToImageDownloadId(in, o.downloadId); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToOnTvProviderId(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToPKGId(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToItemID(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToOnTvServiceId(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToKPIInfo(in, o.number, o.text, o.text2, o.text3); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToUrl(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToEDownloadLocation(in, o.location); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToFile(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToId(in, o.number); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToInt(in, o.number); });
-    MayRaise(reply, o, [](V &in, Out &o) { o.third = M::JsonToInt(in); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToAPPIDAndURL(in, o.text, o.text4); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToeTVLumeWebAppVisible(in, o.visible); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToRatingInfo(in, o.rating); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToStrRating(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToPositon(in, o.time); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToSec(in, o.unsignedNumber); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToFlag(in, o.flag); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramSourceID_ACR(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramID_ACR(in, o.text); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToAcrVerified(in, o.verified); });
-    MayRaise(reply, o, [](V &in, Out &o) { o.third = M::JsonToDataServiceType(in); });
-    MayRaise(reply, o, [](V &in, Out &o) { M::JsonToDataServiceType(in, o.dataType); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToNavigationMode(in, o.navigation); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToGenre(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToCount(in, o.number); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToSource(in, o.source); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToEactivityID(in, o.mbrActivity); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToHeadEndID(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToZipCode(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToDeviceType(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToLocation(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToQueryType(in, o.query); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToCurrentTime(in, o.time); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToChannelID(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToMajorMinor(in, o.number, o.second); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToEFavorite(in, o.favorite); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToChannelIdMajor(in, o.text, o.text2); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToStartTime(in, o.unsignedNumber); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToDuration(in, o.unsignedNumber); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToEProgramIndicator(in, o.indicator); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToChannelLogo(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToProgramLogo(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToLogoSize(in, o.logoSize); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::VCJsonToServiceId(in, o.id); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToPlayerType(in, o.player); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToPGNum(in, o.shortNumber); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToProgramLogoType(in, o.logoType); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToImageDownloadId(in, o.downloadId); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToOnTvProviderId(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToPKGId(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToItemID(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToOnTvServiceId(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToKPIInfo(in, o.number, o.text, o.text2, o.text3); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToUrl(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToEDownloadLocation(in, o.location); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToFile(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToId(in, o.number); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToInt(in, o.number); });
+    MayRaise(reply, o, [](const V &in, Out &o) { o.third = M::JsonToInt(in); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToAPPIDAndURL(in, o.text, o.text4); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToeTVLumeWebAppVisible(in, o.visible); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToRatingInfo(in, o.rating); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToStrRating(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToPositon(in, o.time); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToSec(in, o.unsignedNumber); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToFlag(in, o.flag); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToProgramSourceID_ACR(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToProgramID_ACR(in, o.text); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToAcrVerified(in, o.verified); });
+    MayRaise(reply, o, [](const V &in, Out &o) { o.third = M::JsonToDataServiceType(in); });
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToDataServiceType(in, o.dataType); });
 }
 
 void ReadRecordsAndLists(const Json::Value &reply, Out &o)

@@ -116,21 +116,55 @@ int WatchConnection(sqlite3 *db, char **, const sqlite3_api_routines *)
 // ---- The benign formatter ---------------------------------------------------------------------
 //
 // What a value may read back as, judged from the value alone: every character outside a '%'
-// directive stays, in order; "%%" gives "%"; any other directive ('%', then the characters of
-// flags, width, precision and length "-+ #!0,0123456789*.l", then one conversion character) is
-// dropped in whole or in part, or, when it is a "%" conversion that reads no argument, gives what
-// SQLite's formatter gives for it: "%" padded with blanks to its width. So nothing from outside
-// the value can ever appear in it: a consumed quote shows as text of the next value, or as a
-// wrong column.
+// directive stays, in order; "%%" gives "%"; any other directive, read as SQLite's formatter reads
+// one (flags "-+ #!0,", a width of digits or '*', a precision of '.' and digits or '*', a length
+// "l" or "ll", then the conversion character), is dropped in whole or in part, or, when it is a
+// "%" conversion that reads no argument, gives what SQLite gives for it: "%" padded with blanks
+// to its width. Nothing from outside the value can appear in it: a consumed quote shows as text
+// of the next value, or as a wrong column.
 
 struct Directive {
-    size_t begin, end;      // [begin, end) in the value
+    size_t begin, end;      // [begin, end) in the value, the conversion character included
     std::string rendering;  // SQLite's output for a "%" conversion; empty when there is none
 };
 
-bool IsDirectiveCharacter(char c)
+// One past the conversion character of the directive whose '%' is at `percent` (at most the
+// text's end: a directive cut by the end of the value runs into the closing quote).
+size_t DirectiveEnd(const std::string &text, size_t percent)
 {
-    return c != '\0' && std::strchr("-+ #!0,0123456789*.l", c) != nullptr;
+    auto at = [&](size_t i) { return i < text.size() ? text[i] : '\0'; };
+    auto digit = [](char c) { return c >= '0' && c <= '9'; };
+    auto conversionAt = [&](size_t i) { return std::min(i + 1, text.size()); };
+    size_t i = percent + 1;
+    for (;;) {
+        const char c = at(i);
+        if (c != '\0' && std::strchr("-+ #!0,", c) != nullptr) {
+            ++i;
+        } else if (c == 'l') {
+            i += at(i + 1) == 'l' ? 2 : 1;
+            return conversionAt(i);
+        } else if (c >= '1' && c <= '9') {
+            while (digit(at(i)))
+                ++i;
+            if (at(i) != '.' && at(i) != 'l')
+                return conversionAt(i);
+        } else if (c == '*') {
+            if (at(i + 1) != '.' && at(i + 1) != 'l')
+                return conversionAt(i + 1);
+            ++i;
+        } else if (c == '.') {
+            ++i;
+            if (at(i) == '*')
+                ++i;
+            else
+                while (digit(at(i)))
+                    ++i;
+            if (at(i) != 'l')
+                return conversionAt(i);
+        } else {
+            return conversionAt(i);
+        }
+    }
 }
 
 // "%" padded to the width, for flags* width? (. digits)? (l|ll)? '%' without '*'; else "".
@@ -183,11 +217,7 @@ bool BenignlyFormatted(const std::string &value, const std::string &stored)
             i += 2;
             continue;
         }
-        Directive directive{i, i + 1, ""};
-        while (directive.end < value.size() && IsDirectiveCharacter(value[directive.end]))
-            ++directive.end;
-        if (directive.end < value.size())
-            ++directive.end;
+        Directive directive{i, DirectiveEnd(value, i), ""};
         directive.rendering = PercentRendering(value, directive.begin, directive.end);
         // Dropped in whole or in part ...
         std::vector<char> dropped(reach), scratch(m + 1, 0);

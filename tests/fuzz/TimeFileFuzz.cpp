@@ -14,7 +14,6 @@
 //    long reads as the nearest end of that range), or 0 when it holds none.
 #include <sys/time.h>
 
-#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <cstddef>
@@ -86,8 +85,10 @@ long LastNumber(const std::string &file)
         if (i == file.size() || !std::isdigit(static_cast<unsigned char>(file[i])))
             continue;  // a sign without digits converts nothing; the sign is gone
         unsigned long long magnitude = 0;
-        for (; i < file.size() && std::isdigit(static_cast<unsigned char>(file[i])); ++i)
-            magnitude = std::min(limit, magnitude * 10 + static_cast<unsigned long long>(file[i] - '0'));
+        for (; i < file.size() && std::isdigit(static_cast<unsigned char>(file[i])); ++i) {
+            const unsigned long long digit = static_cast<unsigned long long>(file[i] - '0');
+            magnitude = magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
+        }
         if (negative)
             last = magnitude == limit ? LONG_MIN : -static_cast<long>(magnitude);
         else

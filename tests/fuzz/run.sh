@@ -24,7 +24,7 @@ SCRATCH=$(mktemp -d /dev/shm/kelvo-fuzz.XXXXXX 2>/dev/null || mktemp -d "${TMPDI
 trap 'rm -rf "$SCRATCH"' EXIT
 
 # Per target: the longest input worth trying, and its dictionary.
-declare -A MAX_LEN=([marshal]=4096 [statement]=600 [timefile]=256)
+declare -A MAX_LEN=([marshal]=8192 [statement]=600 [timefile]=256)
 declare -A DICT=([marshal]=json.dict [statement]=sql.dict)
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
