@@ -2,8 +2,9 @@
 # run.sh [SECONDS]: replays each fuzz target's seed corpus (corpus/<target>), then fuzzes each
 # target for SECONDS (default 20), with the binaries of the preset fuzz as they are: it builds
 # nothing. Fails when a target crashes, leaks, overflows, hangs or breaks its property; the input
-# that did it is kept in the run's folder (KELVO_FUZZ_OUT, default a new temporary folder),
-# beside each target's log and the new inputs it found. The seed corpora are only read.
+# that did it is kept in the run's folder (KELVO_FUZZ_OUT, default a new temporary folder that is
+# removed again when every target passed), beside each target's log and the new inputs it found.
+# The seed corpora are only read.
 #
 #   KELVO_FUZZ_BUILD_DIR  the fuzz build folder (default build/fuzz of this tree)
 #   KELVO_FUZZ_TARGETS    which targets, blank-separated (default: all)
@@ -74,5 +75,10 @@ for target in "${TARGETS[@]}"; do
          "corpus $(find "$found" "$seeds" -type f | wc -l)"
 done
 
+if [ ${#failed[@]} -eq 0 ] && [ -z "${KELVO_FUZZ_OUT:-}" ]; then
+    rm -rf "$OUT"  # nothing to look at
+    echo "fuzz: ${#TARGETS[@]} target(s), none failed"
+    exit 0
+fi
 echo "fuzz: ${#TARGETS[@]} target(s), ${#failed[@]} failed; artefacts in $OUT"
 [ ${#failed[@]} -eq 0 ]
