@@ -211,7 +211,8 @@ case_dump_link_to_dbspace() {
     eq "exit status" 0 "$(status)"
     eq notifications "$SUCCESS" "$(notes)"
     tv_unchanged
-    ok "DumpMWDB is a real folder" test -d "$DUMP" -a ! -L "$DUMP"
+    ok "DumpMWDB is no link" test ! -L "$DUMP"
+    ok "DumpMWDB is a folder" test -d "$DUMP"
     mapfile -t times < <(current_times)
     rows_match "programRF: every broadcast row" programRF "${times[1]:-0}"
     rows_match "programMETA: every server row" programMETA "${times[2]:-0}"
