@@ -55,7 +55,8 @@ sandbox() {
     args+=(--ro-bind "$ROOT" "$ROOT" --ro-bind "$BUILD_DIR" "$BUILD_DIR")
     [ "$NO_STICK" -eq 0 ] && args+=(--bind "$STICK" "$MOUNT")
     args+=(--bind "$OUT" /run/kelvo-tv)
-    local inside=(--build "$BUILD_DIR" --out /run/kelvo-tv --run-dir /run/kelvo-bus --timeout "$TIMEOUT")
+    local inside=(--build "$BUILD_DIR" --out /run/kelvo-tv --run-dir /run/kelvo-bus --timeout "$TIMEOUT"
+                --log-limit "$LOG_LIMIT")
     if [ -n "$FIXTURE" ]; then
         args+=(--ro-bind "$FIXTURE" /run/kelvo-fixture.json)
         inside+=(--fixture /run/kelvo-fixture.json)
