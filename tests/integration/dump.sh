@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
 # A dump of the reference TV onto an empty stick, checked as a person would: the notification,
 # the time stamp, the files on the stick, every row of kelvoutilInfo.db read with sqlite3, and
 # what the dump said to the content daemon as dbus-monitor saw it on the TV's bus.
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 reference_tv() {

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
 # Runs that cannot dump: no USB storage, a middleware backup that fails, and a TV whose content
 # daemon is not running (the dump goes on without the server's programmes).
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 no_storage() {

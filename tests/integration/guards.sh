@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
 # A stick is not benign: mount paths that would break a shell command, what was on it before, and
 # links planted on it. A TV with bare folders and no content daemon keeps each run short.
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 # A mount path with a character outside [A-Za-z0-9/._+-] is refused before any command is built;

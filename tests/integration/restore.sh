@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
 # A stick holding RestoreMWDB: the content daemon's databases and JSON files come over, the
 # middleware restores itself from the folder, the clock is set from the dump's time.txt (the
 # kernel refuses it in the sandbox; the clock recorder shows what was asked for), and the user is
 # told how it ended.
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 R="$MOUNT/RestoreMWDB"
 

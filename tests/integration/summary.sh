@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# shellcheck disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
 # `tools/kelvo-tv dump`, the command a person runs: it makes the reference TV itself and ends with
 # a summary that must agree with what landed on the stick.
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 summary() {

@@ -398,6 +398,8 @@ pid_t KelvoSupervisor::m_Spawn(const std::vector<std::string> &argv, const std::
         env.push_back(const_cast<char *>(e.c_str()));
     env.push_back(nullptr);
     pid_t pid = fork();
+    if (pid > 0 && kind == Kind::Captured)
+        setpgid(pid, pid);  // as the child does: the group exists whichever of the two runs first
     if (pid != 0)
         return pid;
     // The child: a clean signal state, the descriptors it is given, nothing else of the supervisor.
