@@ -251,8 +251,7 @@ int main(int argc, char **argv)
     if (mkdtemp(pattern.data()) == nullptr)
         return 1;
     g_work = pattern;
-    fs::create_directories(g_work + "/tv/opt/var/kelvo-sim");
-    std::ofstream(g_work + "/tv/.kelvo-tv").close();
+    // The TV generator makes the TV's whole folder tree with its data.
     long long now = static_cast<long long>(std::time(nullptr)) - 5;
     if (Exec({KELVO_TV_GEN, "--opt", g_work + "/tv/opt", "--fixture", g_work + "/fixture.json", "--services",
               std::to_string(kServices), "--now", std::to_string(now)}) != 0) {

@@ -25,6 +25,7 @@
 #include "FCJsonHelper.h"
 #include "FCMarshal.h"
 #include "FCRemoteContentOnTV_Proxy.h"
+#include "KelvoDaemonBus.h"
 #include "KelvoTestBus.h"
 
 namespace {
@@ -53,8 +54,8 @@ bool BareCall()
     sd_bus_message *reply = nullptr;
     sd_bus_error error = SD_BUS_ERROR_NULL;
     const char *text = nullptr;
-    int r = sd_bus_call_method(g_bare, "com.halvorn.tv.KelvoDaemon", "/com/halvorn/tv/KelvoDaemon",
-                               "com.halvorn.tv.KelvoDaemon.Provider", "GetTCServiceIdByProgramSourceID", &error, &reply,
+    int r = sd_bus_call_method(g_bare, KelvoDaemonBus::kBusName, KelvoDaemonBus::kObjectPath,
+                               KelvoDaemonBus::kProviderInterface, "GetTCServiceIdByProgramSourceID", &error, &reply,
                                "s", kArgument);
     if (r >= 0)
         r = sd_bus_message_read(reply, "s", &text);

@@ -1,14 +1,37 @@
-# Shared by the integration scripts: a scratch folder per script, a fresh simulated TV and stick
-# per case, one sandboxed kelvo-util run (tools/kelvo-tv run), and checks that report every
-# mismatch of a case before the script fails.
+# shellcheck shell=bash disable=SC2034
+# (SC2034: the variables a case sets up are read by the scripts that source this.)
+# Shared by the integration scripts. A script registers its cases (add_case) and ends with
+# `cases "$@"`:
+#   SCRIPT --list   the names of its cases, one a line (CMake makes a ctest test of each);
+#   SCRIPT CASE     runs that case in a scratch folder of its own: a fresh simulated TV and stick,
+#                   one sandboxed kelvo-util run (tools/kelvo-tv run), and checks that report
+#                   every mismatch of the case before it fails.
 set -uo pipefail
 
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-BUILD=${KELVO_BUILD_DIR:?KELVO_BUILD_DIR must name the build folder to test}
-WORK=$(mktemp -d "${TMPDIR:-/tmp}/kelvo-it.XXXXXX")
-trap 'rm -rf "$WORK"' EXIT
-# CI must run these: a machine where bubblewrap cannot make a user namespace fails them.
-bwrap --unshare-user --ro-bind / / true 2>/dev/null || { echo "FAIL: bubblewrap cannot make a user namespace"; exit 1; }
+declare -A CASE_COMMANDS=()
+CASE_NAMES=()
+
+# add_case NAME FUNCTION [ARGUMENT...]: the case NAME runs FUNCTION with the arguments.
+add_case() {
+    CASE_NAMES+=("$1")
+    CASE_COMMANDS[$1]=$(printf '%q ' "${@:2}")
+}
+
+cases() {
+    case "${1:-}" in
+        --list) printf '%s\n' "${CASE_NAMES[@]}"; exit 0 ;;
+        "") echo "usage: $0 --list | CASE"; exit 2 ;;
+    esac
+    [ -n "${CASE_COMMANDS[$1]+set}" ] || { echo "FAIL: no case $1 in $0"; exit 2; }
+    BUILD=${KELVO_BUILD_DIR:?KELVO_BUILD_DIR must name the build folder to test}
+    WORK=$(mktemp -d "${TMPDIR:-/tmp}/kelvo-it.XXXXXX")
+    trap 'rm -rf "$WORK"' EXIT
+    # CI must run these: a machine where bubblewrap cannot make a user namespace fails them.
+    bwrap --unshare-user --ro-bind / / true 2>/dev/null || { echo "FAIL: bubblewrap cannot make a user namespace"; exit 1; }
+    eval "${CASE_COMMANDS[$1]}"
+    finish
+}
 
 MOUNT=/media/USBDriveA1
 ALL_ONES=18446744073709551615
@@ -22,12 +45,13 @@ new_case() {
     shift
     TV="$C/tv" STICK="$C/stick" OUT="$C/out"
     mkdir -p "$STICK" "$OUT"
-    "$ROOT/tools/kelvo-tv" make-tv --build-dir "$BUILD" --tv "$TV" --minimal >/dev/null
     if [ "${1:-}" = --reference ]; then
         shift
         FIXTURE="$C/fixture.json" EXPECTED="$C/expected.json" EXPECTED_DB="$C/expected.db"
         "$BUILD/tools/tv-gen/kelvo-tv-gen" --opt "$TV/opt" --fixture "$FIXTURE" --now $(($(date +%s) - 5)) "$@" \
             || { echo "FAIL: the TV generator failed"; exit 1; }
+    else
+        "$BUILD/tools/tv-gen/kelvo-tv-gen" --opt "$TV/opt" --minimal || { echo "FAIL: the TV generator failed"; exit 1; }
     fi
     DATA="$TV/opt/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data"
     SIM="$TV/opt/var/kelvo-sim" DBSPACE="$TV/opt/dbspace" CHMS="$TV/opt/usr/globalapps/tvs-chms/data"
@@ -36,12 +60,22 @@ new_case() {
 }
 
 # run [kelvo-tv run options]: one run with the stick at MOUNT (later options win); RUN_START and
-# RUN_END (seconds) bracket it.
+# RUN_END (seconds) bracket it. Every notification of a run is shown for the system's hide time.
 run() {
     RUN_START=$(date +%s)
     "$ROOT/tools/kelvo-tv" run --build-dir "$BUILD" --tv "$TV" --out "$OUT" --stick "$STICK" --mount "$MOUNT" \
         ${FIXTURE:+--fixture "$FIXTURE"} --timeout 120 "$@" >"$C/run.txt" 2>&1
     RUN_END=$(date +%s)
+    check_hide_timeouts "$OUT/notifications.tsv"
+}
+
+# The fourth column of notifications.tsv: the hide timeout in ms (20 s).
+check_hide_timeouts() {
+    local app summary body timeout
+    [ -f "$1" ] || return 0
+    while IFS=$'\t' read -r app summary body timeout; do
+        eq "hide timeout of \"$summary: $body\" from $app (ms)" 20000 "$timeout"
+    done <"$1"
 }
 
 fail() { echo "FAIL [$CASE] $*"; FAILURES=$((FAILURES + 1)); }
@@ -49,7 +83,7 @@ eq() { [ "$2" == "$3" ] || fail "$1: expected [$2], got [$3]"; }  # what expecte
 ok() { local what=$1; shift; "$@" || fail "$what"; }              # what command...
 no() { ! "$@"; }
 finish() {
-    [ "$FAILURES" -eq 0 ] && { echo "all checks passed"; exit 0; }
+    [ "$FAILURES" -eq 0 ] && { echo "all checks of $CASE passed"; exit 0; }
     echo "$FAILURES check(s) failed; the last run:"
     grep -v '^D/' "$C/run.txt" 2>/dev/null | tail -n 40 | sed 's/^/  | /'
     exit 1

@@ -1,4 +1,5 @@
-// A private D-Bus session bus in a temporary folder, with the content daemon simulator on it.
+// A private D-Bus session bus in a temporary folder, with the content daemon simulator on it, both
+// brought up by the simulated TV's supervisor (kelvo-tv-supervisor --serve).
 #ifndef KELVO_TESTS_KELVO_TEST_BUS_H
 #define KELVO_TESTS_KELVO_TEST_BUS_H
 
@@ -13,39 +14,37 @@
 
 #include <fcntl.h>
 #include <json/json.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "KelvoDaemonBus.h"
 
 #include <gtest/gtest.h>
 
 class KelvoTestBus {
 public:
-    // The simulator starts with the fixture text (its --fixture) and records to Folder()/records.jsonl.
-    explicit KelvoTestBus(const std::string &fixture = "{}", bool startDaemon = true) : m_wantDaemon(startDaemon)
+    // The simulator starts with the fixture text (its --fixture) and records every request in the
+    // bus's temporary folder (Records()).
+    explicit KelvoTestBus(const std::string &fixture = "{}", bool startDaemon = true)
     {
         std::string pattern = (std::filesystem::temp_directory_path() / "kelvo-transport-XXXXXX").string();
         if (!mkdtemp(pattern.data()))
             return;
         m_folder = pattern;
         std::ofstream(m_folder + "/fixture.json") << fixture;
-        // The system's session configuration: no service of the daemon is installed, so an absent
-        // daemon stays absent.
-        m_bus = m_SpawnAndReadLine({"dbus-daemon", "--session", "--nofork", "--address=unix:path=" + m_folder + "/bus"},
-                                   "--print-address=", "bus.log", m_address);
-        if (m_address.empty() || !startDaemon)
-            return;
-        std::string ready;
-        m_daemon =
-            m_SpawnAndReadLine({KELVO_DAEMON_SIM, "--address", m_address, "--fixture", m_folder + "/fixture.json",
-                                "--record", m_folder + "/records.jsonl", "--ready-fd"},
-                               "", "daemon.log", ready);
-        if (ready != "ready")
-            m_Stop(m_daemon);
+        std::vector<std::string> args = {KELVO_SUPERVISOR, "--serve",   "--no-notify",
+                                         "--run-dir",      m_folder,    "--out",
+                                         m_folder,         "--fixture", m_folder + "/fixture.json"};
+        if (!startDaemon)
+            args.push_back("--no-daemon");
+        m_supervisor = m_SpawnAndReadLine(args, "supervisor.log", m_address);
+        if (m_address.empty())
+            m_Stop(m_supervisor);
     }
     ~KelvoTestBus()
     {
-        m_Stop(m_daemon);
-        m_Stop(m_bus);
+        m_Stop(m_supervisor);
         std::error_code ignored;
         if (!m_folder.empty())
             std::filesystem::remove_all(m_folder, ignored);
@@ -53,7 +52,8 @@ public:
     KelvoTestBus(const KelvoTestBus &) = delete;
     KelvoTestBus &operator=(const KelvoTestBus &) = delete;
 
-    bool Ready() const { return !m_address.empty() && (!m_wantDaemon || m_daemon > 0); }
+    // The supervisor answers only once the bus and (if asked for) the simulator are up.
+    bool Ready() const { return !m_address.empty() && m_supervisor > 0; }
     const std::string &Address() const { return m_address; }
     // Points Call (DBUS_SESSION_BUS_ADDRESS) of this process at the bus.
     void UseForCalls() const { setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), 1); }
@@ -71,7 +71,7 @@ public:
     RecordList Records() const
     {
         RecordList records;
-        std::ifstream in(m_folder + "/records.jsonl");
+        std::ifstream in(m_folder + "/daemon-requests.jsonl");
         std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
         size_t index = 0;
         for (std::string line; std::getline(in, line); ++index) {
@@ -91,6 +91,7 @@ private:
         pid_t pid = fork();
         if (pid != 0)
             return pid;
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
         int out = open((m_folder + "/" + log).c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
         dup2(out, 1);
         dup2(out, 2);
@@ -103,15 +104,14 @@ private:
         execvp(argv[0], argv.data());
         _exit(127);
     }
-    // Starts a process that writes one line to the fd given as its last argument (`fdArgument` and
-    // the number) and reads that line, without the newline.
-    pid_t m_SpawnAndReadLine(std::vector<std::string> args, const std::string &fdArgument, const char *log,
-                             std::string &line) const
+    // Starts a process that writes one line to the fd given after --ready-fd and reads that line,
+    // without the newline.
+    pid_t m_SpawnAndReadLine(std::vector<std::string> args, const char *log, std::string &line) const
     {
         int fds[2];
         if (pipe(fds) != 0)
             return -1;
-        args.push_back(fdArgument + std::to_string(fds[1]));
+        args.insert(args.end(), {"--ready-fd", std::to_string(fds[1])});
         pid_t pid = m_Spawn(args, fds[1], log);
         close(fds[1]);
         for (char c; read(fds[0], &c, 1) == 1 && c != '\n';)
@@ -121,8 +121,8 @@ private:
     }
     bool m_Control(std::vector<std::string> arguments) const
     {
-        arguments.insert(arguments.begin(), {"busctl", "--address=" + m_address, "call", "com.halvorn.tv.KelvoDaemon",
-                                             "/com/halvorn/tv/KelvoDaemon", "com.halvorn.tv.KelvoDaemon.Control"});
+        arguments.insert(arguments.begin(), {"busctl", "--address=" + m_address, "call", KelvoDaemonBus::kBusName,
+                                             KelvoDaemonBus::kObjectPath, KelvoDaemonBus::kControlInterface});
         pid_t pid = m_Spawn(arguments, -1, "control.log");
         int status = 0;
         return pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status) && WEXITSTATUS(status) == 0;
@@ -136,11 +136,9 @@ private:
         pid = -1;
     }
 
-    bool m_wantDaemon;
     std::string m_folder;
     std::string m_address;
-    pid_t m_bus = -1;
-    pid_t m_daemon = -1;
+    pid_t m_supervisor = -1;
     size_t m_recordsSeen = 0;
 };
 

@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "TVServiceAPI.h"
 #include "TvsTestState.h"
@@ -100,4 +103,41 @@ TEST(ReferenceTv, ExpectationsHoldTheHardCasesAndAStableDay)
         EXPECT_FALSE(fixture["sourceToService"].isMember(id.asString())) << id;
     EXPECT_GT(fixture["programs"].size(), expected["sourcesInWindow"].size())
         << "a source the server sends nothing for in the coming day";
+}
+
+// The generator is the one maker of the TV's folder tree: a minimal TV is that tree and nothing
+// else, and the reference TV has every folder of it too.
+TEST(TvLayout, MinimalTvIsTheFolderTreeAlone)
+{
+    const std::vector<std::string> layout = {
+        "dbspace",
+        "var/kelvo-sim",
+        "usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data",
+        "usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/shared/kelvo/data",
+        "usr/home/owner/apps_rw/org.tizen.content-tiles-provider/data",
+        "usr/home/owner/apps_rw/ContentServiceManager/data",
+        "usr/globalapps/esg-service/data",
+        "usr/globalapps/tvs-chms/data",
+        "usr/globalapps/tvs-iss/data",
+        "usr/globalapps/tvs-sospec/data",
+        "usr/globalapps/tvs-guide/data",
+        "usr/globalapps/reminder/data",
+    };
+    std::string root = (fs::temp_directory_path() / "kelvo-tv-layout-XXXXXX").string();
+    ASSERT_NE(mkdtemp(root.data()), nullptr);
+    ASSERT_EQ(std::system((std::string(KELVO_TV_GEN) + " --opt " + root + "/minimal --minimal").c_str()), 0);
+    ASSERT_EQ(Generate(root + "/reference", "7"), 0);
+
+    std::vector<std::string> leaves;
+    for (const auto &entry : fs::recursive_directory_iterator(root + "/minimal"))
+        if (entry.is_directory() && fs::is_empty(entry.path()))
+            leaves.push_back(fs::relative(entry.path(), root + "/minimal").string());
+    std::sort(leaves.begin(), leaves.end());
+    std::vector<std::string> sorted = layout;
+    std::sort(sorted.begin(), sorted.end());
+    EXPECT_EQ(leaves, sorted);
+    EXPECT_EQ(Files(root + "/minimal").size(), 0u);
+    for (const auto &folder : layout)
+        EXPECT_TRUE(fs::is_directory(root + "/reference/opt/" + folder)) << folder;
+    fs::remove_all(root);
 }

@@ -16,14 +16,16 @@
 #include <systemd/sd-event.h>
 #include <unistd.h>
 
+#include "KelvoDaemonBus.h"
+#include "KelvoDaemonXml.h"
 #include "SimContent.h"
 
 namespace {
 
-const char *const kBusName = "com.halvorn.tv.KelvoDaemon";
-const char *const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
-const char *const kProvider = "com.halvorn.tv.KelvoDaemon.Provider";
-const char *const kControl = "com.halvorn.tv.KelvoDaemon.Control";
+const char *const kBusName = KelvoDaemonBus::kBusName;
+const char *const kObjectPath = KelvoDaemonBus::kObjectPath;
+const char *const kProvider = KelvoDaemonBus::kProviderInterface;
+const char *const kControl = KelvoDaemonBus::kControlInterface;
 const char *const kIntrospectable = "org.freedesktop.DBus.Introspectable";
 const Json::ArrayIndex kMaxRecordsInMemory = 100000;
 
@@ -134,7 +136,7 @@ private:
         if (!member)
             return 0;
         if (interface && strcmp(interface, kIntrospectable) == 0 && strcmp(member, "Introspect") == 0) {
-            return sd_bus_reply_method_return(m, "s", m_Introspection().c_str());
+            return sd_bus_reply_method_return(m, "s", kKelvoDaemonIntrospection);
         }
         if (interface && strcmp(interface, kControl) == 0)
             return m_Control(m, member, error);
@@ -269,31 +271,6 @@ private:
                     KelvoSimContent::ToCompactText(line["argument"]).c_str());
             fflush(m_record);
         }
-    }
-
-    std::string m_Introspection() const
-    {
-        std::string xml = "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\"\n"
-                          " \"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\">\n<node>\n"
-                          " <interface name=\"org.freedesktop.DBus.Introspectable\">\n"
-                          "  <method name=\"Introspect\"><arg name=\"xml\" type=\"s\" direction=\"out\"/></method>\n"
-                          " </interface>\n";
-        xml += std::string(" <interface name=\"") + kProvider + "\">\n";
-        for (const auto &method : KelvoSimContent::Methods()) {
-            xml += "  <method name=\"" + method +
-                   "\"><arg name=\"argument\" type=\"s\" direction=\"in\"/>"
-                   "<arg name=\"reply\" type=\"s\" direction=\"out\"/></method>\n";
-        }
-        xml += " </interface>\n";
-        xml += std::string(" <interface name=\"") + kControl + "\">\n" +
-               "  <method name=\"SetScript\"><arg name=\"method\" type=\"s\" direction=\"in\"/>"
-               "<arg name=\"entry\" type=\"s\" direction=\"in\"/></method>\n"
-               "  <method name=\"ClearScript\"/>\n"
-               "  <method name=\"SetFixture\"><arg name=\"fixture\" type=\"s\" direction=\"in\"/></method>\n"
-               "  <method name=\"GetRecords\"><arg name=\"records\" type=\"s\" direction=\"out\"/></method>\n"
-               "  <method name=\"ClearRecords\"/>\n"
-               " </interface>\n</node>\n";
-        return xml;
     }
 
     sd_event *m_event;

@@ -15,6 +15,8 @@
 #include <cstring>
 #include <string>
 
+#include <unistd.h>
+
 namespace {
 
 const char *const kBusName = "org.freedesktop.Notifications";
@@ -128,9 +130,10 @@ const sd_bus_vtable kVtable[] = {
 int Usage(const char *argv0, int status)
 {
     std::fprintf(status ? stderr : stdout,
-                 "usage: %s [--record FILE]\n"
+                 "usage: %s [--record FILE] [--ready-fd FD]\n"
                  "Serves org.freedesktop.Notifications on the session bus (DBUS_SESSION_BUS_ADDRESS)\n"
-                 "and appends one line per notification to FILE: app, summary, body, timeout (TAB-separated).\n",
+                 "and appends one line per notification to FILE: app, summary, body, timeout (TAB-separated).\n"
+                 "Writes \"ready\" and a newline to FD once it owns its name.\n",
                  argv0);
     return status;
 }
@@ -140,6 +143,7 @@ int Usage(const char *argv0, int status)
 int main(int argc, char **argv)
 {
     ServerState state;
+    int readyFd = -1;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--record") == 0 && i + 1 < argc) {
             state.record = std::fopen(argv[++i], "a");
@@ -147,6 +151,12 @@ int main(int argc, char **argv)
                 std::fprintf(stderr, "kelvo-notify-sim: cannot open %s: %s\n", argv[i], std::strerror(errno));
                 return 1;
             }
+        } else if (std::strcmp(argv[i], "--ready-fd") == 0 && i + 1 < argc) {
+            char *end = nullptr;
+            long fd = std::strtol(argv[++i], &end, 10);
+            if (*argv[i] == '\0' || *end != '\0' || fd < 0 || fd > 65535)
+                return Usage(argv[0], 2);
+            readyFd = static_cast<int>(fd);
         } else if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
             return Usage(argv[0], 0);
         } else {
@@ -172,6 +182,11 @@ int main(int argc, char **argv)
         sd_bus_slot_unref(slot);
         sd_bus_unref(bus);
         return 1;
+    }
+
+    if (readyFd >= 0) {
+        (void)!write(readyFd, "ready\n", 6);
+        close(readyFd);
     }
 
     while (!g_stop) {

@@ -23,6 +23,23 @@ const char *const kRwApp = "/usr/globalapps";
 const char *const kSysDb = "/dbspace";
 const char *const kDaemonData = "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data";
 
+// The folders a set has under /opt whether or not they hold data, and the TV simulator's control
+// folder.
+const char *const kLayout[] = {
+    "/dbspace",
+    "/var/kelvo-sim",
+    "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data",
+    "/usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/shared/kelvo/data",
+    "/usr/home/owner/apps_rw/org.tizen.content-tiles-provider/data",
+    "/usr/home/owner/apps_rw/ContentServiceManager/data",
+    "/usr/globalapps/esg-service/data",
+    "/usr/globalapps/tvs-chms/data",
+    "/usr/globalapps/tvs-iss/data",
+    "/usr/globalapps/tvs-sospec/data",
+    "/usr/globalapps/tvs-guide/data",
+    "/usr/globalapps/reminder/data",
+};
+
 struct Language {
     const char *code;  // the middleware's three letters
     const char *meta;  // the server's code
@@ -597,8 +614,21 @@ bool KelvoTvGenerator::m_WriteDataFolders(std::string &error)
     return ok;
 }
 
+bool KelvoTvGenerator::MakeLayout(const std::string &optDir, std::string &error)
+{
+    for (const char *folder : kLayout) {
+        if (!TCServiceDataStore::MakeFolders(optDir + folder)) {
+            error = "cannot make " + optDir + folder;
+            return false;
+        }
+    }
+    return true;
+}
+
 bool KelvoTvGenerator::Run(std::string &error)
 {
+    if (!MakeLayout(m_options.optDir, error))
+        return false;
     m_MakeServices();
     m_MakeGuide();
     m_MakeSources();

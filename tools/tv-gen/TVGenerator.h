@@ -53,6 +53,9 @@ public:
     explicit KelvoTvGenerator(const KelvoTvGenOptions &options);
     bool Run(std::string &error);
 
+    // The TV's folder tree under optDir, without data: every folder the set has, empty.
+    static bool MakeLayout(const std::string &optDir, std::string &error);
+
     // How the dump database stores a text: apostrophes become double quotes (the dump's quoting)
     // and the statement formatter turns "%%" into "%" and drops any other conversion.
     static std::string StoredText(const std::string &text);

@@ -15,6 +15,7 @@ void Usage(FILE *to)
     std::fprintf(to,
                  "usage: kelvo-tv-gen --opt DIR --fixture FILE [--services N] [--seed S] [--now T] [--expected DIR]\n"
                  "                    [--edge-service]\n"
+                 "       kelvo-tv-gen --opt DIR --minimal\n"
                  "  --opt DIR       the TV's /opt: services, guide and the middleware's data folders\n"
                  "  --fixture FILE  server metadata for kelvo-daemon-sim --fixture\n"
                  "  --services N    number of TV services (default 240)\n"
@@ -22,7 +23,8 @@ void Usage(FILE *to)
                  "  --now T         the TV's 'now' in seconds since the epoch (default: the current time)\n"
                  "  --expected DIR  where expected.json and expected.db go (default: the fixture's folder)\n"
                  "  --edge-service  one more service with an event starting every second around both ends\n"
-                 "                  of the day from --now (its rows depend on when the dump runs)\n");
+                 "                  of the day from --now (its rows depend on when the dump runs)\n"
+                 "  --minimal       only the TV's folders, empty: no services, guide, data or fixture\n");
 }
 
 bool Number(const char *text, long long &out)
@@ -42,6 +44,7 @@ int main(int argc, char **argv)
     KelvoTvGenOptions options;
     options.now = static_cast<long long>(std::time(nullptr));
     bool expectedGiven = false;
+    bool minimal = false;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
@@ -50,6 +53,10 @@ int main(int argc, char **argv)
         }
         if (arg == "--edge-service") {
             options.edgeService = true;
+            continue;
+        }
+        if (arg == "--minimal") {
+            minimal = true;
             continue;
         }
         if (i + 1 >= argc) {
@@ -77,14 +84,21 @@ int main(int argc, char **argv)
             return 2;
         }
     }
-    if (options.optDir.empty() || options.fixturePath.empty()) {
+    if (options.optDir.empty() || (options.fixturePath.empty() && !minimal)) {
         Usage(stderr);
         return 2;
+    }
+    std::string error;
+    if (minimal) {
+        if (!KelvoTvGenerator::MakeLayout(options.optDir, error)) {
+            std::fprintf(stderr, "kelvo-tv-gen: %s\n", error.c_str());
+            return 1;
+        }
+        return 0;
     }
     if (!expectedGiven)
         options.expectedDir = TCServiceDataStore::FolderOf(options.fixturePath);
     KelvoTvGenerator generator(options);
-    std::string error;
     if (!generator.Run(error)) {
         std::fprintf(stderr, "kelvo-tv-gen: %s\n", error.c_str());
         return 1;

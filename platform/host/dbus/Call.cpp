@@ -14,6 +14,8 @@
 // starts a fresh bus must not reach the previous one through a cached connection).
 #include "kelvo-dbus-proxy.h"
 
+#include "KelvoDaemonBus.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,10 +25,6 @@
 #include <unistd.h>
 
 namespace {
-
-const char *const kBusName = "com.halvorn.tv.KelvoDaemon";
-const char *const kObjectPath = "/com/halvorn/tv/KelvoDaemon";
-const char *const kInterface = "com.halvorn.tv.KelvoDaemon.Provider";
 
 // sd-bus's own default; long enough for a daemon that asks the remote server before answering.
 const uint64_t kDefaultTimeoutMs = 25000;
@@ -128,7 +126,8 @@ extern "C" KelvoCallResult *Call(const char *method, const char *argument)
     const char *text = nullptr;
 
     // An invalid member name, or an argument that is not valid UTF-8, fails here without a call.
-    int r = sd_bus_message_new_method_call(bus, &request, kBusName, kObjectPath, kInterface, method);
+    int r = sd_bus_message_new_method_call(bus, &request, KelvoDaemonBus::kBusName, KelvoDaemonBus::kObjectPath,
+                                           KelvoDaemonBus::kProviderInterface, method);
     if (r >= 0)
         r = sd_bus_message_append(request, "s", argument ? argument : "");
     if (r >= 0)

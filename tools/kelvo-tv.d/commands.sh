@@ -1,0 +1,116 @@
+# shellcheck shell=bash disable=SC2034,SC2153
+# (Sourced by tools/kelvo-tv: its variables are set and read across these files.)
+# kelvo-tv: the commands for people (dump, restore, shell, daemon, bench) and the lower-level
+# ones the tests use (run, make-tv).
+
+cmd_dump() {
+    local began ran
+    began=$(date +%s.%N)
+    prepare_build
+    set_defaults
+    make_tv "$TV"
+    if [ "$NO_STICK" -eq 0 ] && [ -z "$STICK" ]; then
+        STICK="$STATE/stick"
+        make_stick "$STICK"
+    fi
+    ran=$(date +%s.%N)
+    run_util
+    local ended
+    ended=$(date +%s.%N)
+    dump_summary "$OUT" "$([ "$NO_STICK" -eq 0 ] && printf '%s' "$STICK")" "$TV" \
+        "$(awk -v a="$began" -v b="$ended" 'BEGIN { printf "%.1f", b - a }')" \
+        "$(awk -v a="$ran" -v b="$ended" 'BEGIN { printf "%.1f", b - a }')"
+}
+
+cmd_restore() {
+    [ -n "$STICK" ] || die "restore needs --stick DIR (a stick holding RestoreMWDB)"
+    [ -e "$STICK/RestoreMWDB" ] || note "$STICK holds no RestoreMWDB: kelvo-util will dump instead"
+    prepare_build
+    set_defaults
+    [ -d "$TV/opt" ] || make_tv "$TV"
+    run_util
+    echo
+    echo "== kelvo-tv restore =="
+    echo "branch: $(run_branch "$OUT")"
+    print_run_result "$OUT"
+    local data="$TV/$DAEMON_DATA_REL"
+    echo "content daemon's data folder ($data):"
+    find "$data" -mindepth 1 -maxdepth 1 -printf '  %M %10s %TY-%Tm-%Td %TH:%TM  %f\n' | LC_ALL=C sort -k5
+    if [ -f "$TV/$SIM_REL/tvs.log" ]; then sed 's/^/TVS: /' "$TV/$SIM_REL/tvs.log"; fi
+    echo "artefacts: $OUT"
+}
+
+cmd_run() {
+    prepare_build
+    set_defaults
+    run_util
+    print_run_result "$OUT"
+    local status
+    status=$(cat "$OUT/exit-status" 2>/dev/null || echo 70)
+    return "$status"
+}
+
+cmd_make_tv() {
+    prepare_build
+    set_defaults
+    make_tv "$TV"
+    echo "simulated TV at $TV (its /opt: $TV/opt)"
+}
+
+cmd_shell() {
+    prepare_build
+    set_defaults
+    [ -d "$TV/opt" ] || make_tv "$TV"
+    if [ "$NO_STICK" -eq 0 ] && [ -z "$STICK" ]; then
+        STICK="$STATE/stick"
+        mkdir -p "$STICK"
+    fi
+    sandbox shell
+}
+
+cmd_daemon() {
+    prepare_build
+    set_defaults
+    local daemon="$BUILD_DIR/tools/daemon-sim/kelvo-daemon-sim"
+    [ -x "$daemon" ] || die "the content daemon simulator is not built ($daemon)"
+    [ -x "$(supervisor)" ] || die "the supervisor is not built ($(supervisor))"
+    if [ -z "${DBUS_SESSION_BUS_ADDRESS:-}" ] && [ ! -S "${XDG_RUNTIME_DIR:-/nonexistent}/bus" ]; then
+        die "no session bus here; try: dbus-run-session -- tools/kelvo-tv daemon"
+    fi
+    resolve_fixture
+    # Where the daemon lives on the bus, as the host's Call has it.
+    local key value name="" path="" provider=""
+    while read -r key value; do
+        case "$key" in name) name=$value ;; path) path=$value ;; provider) provider=$value ;; esac
+    done < <("$(supervisor)" --print-bus-names)
+    local args=()
+    [ -n "$FIXTURE" ] && args+=(--fixture "$FIXTURE")
+    note "$name on your session bus${FIXTURE:+, fixture $FIXTURE}; try:"
+    note "  busctl --user call $name $path $provider GetFullProgramSourceIdList s '{\"activityID\":0}'"
+    exec "$daemon" "${args[@]}"
+}
+
+cmd_bench() {
+    ensure_packages
+    build_preset default
+    local ratios="" bench found=0
+    for bench in "$ROOT"/build/default/bench/*/kelvo-bench-*; do
+        if [ ! -f "$bench" ] || [ ! -x "$bench" ]; then continue; fi
+        found=1
+        local name log
+        name=$(basename "$bench")
+        log="$STATE/$name.log"
+        echo "== $name =="
+        set +e
+        "$bench" </dev/null 2>&1 | tee "$log"
+        local status=${PIPESTATUS[0]}
+        set -e
+        [ "$status" -eq 0 ] || die "$name failed (status $status)"
+        ratios+=$(grep '^RATIO ' "$log" || true)
+        ratios+=$'\n'
+    done
+    [ "$found" -eq 1 ] || { note "no benchmarks are built"; return 0; }
+    echo
+    echo "== RATIO summary (1.0 is the limit; lower is better) =="
+    grep -v '^$' <<<"$ratios" | awk '{ printf "  %-40s %s\n", $2, $3 }' || true
+}
