@@ -4,8 +4,9 @@
 # daemon's metadata; hostile sticks carry links into the TV, special files, odd names and bad
 # time stamps. Besides its own outcome, every case checks that nothing of the TV's /opt changed
 # but the daemon's data folder, and a dump that every row of the TV except the crafted one is in
-# the database. `attacks.sh --list` names the cases.
-# shellcheck disable=SC2317  # the cases and their helpers are called by the case's name
+# the database. `attacks.sh --list` names the cases; `attacks.sh CASE` runs one.
+# shellcheck source-path=SCRIPTDIR disable=SC2317  # the case functions run through `cases` (add_case)
+# shellcheck source=lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 DATA_REL=usr/home/owner/apps_rw/com.halvorn.tv.kelvo-daemon/data
@@ -166,19 +167,7 @@ clock_case() {
     mkdir -p "$DUMP"
 }
 
-case_broadcast_quote_delete() { text_attack broadcast quote-delete; }
-case_broadcast_apostrophe_delete() { text_attack broadcast apostrophe-delete; }
-case_broadcast_attach() { text_attack broadcast attach; }
-case_broadcast_drop() { text_attack broadcast drop; }
-case_broadcast_percent_n() { text_attack broadcast percent-n; }
-case_metadata_quote_delete() { text_attack metadata quote-delete; }
-case_metadata_apostrophe_delete() { text_attack metadata apostrophe-delete; }
-case_metadata_attach() { text_attack metadata attach; }
-case_metadata_drop() { text_attack metadata drop; }
-case_metadata_percent_n() { text_attack metadata percent-n; }
 
-case_restore_link_to_dbspace() { restore_through_link restore-link-to-dbspace /opt/dbspace; }
-case_restore_link_to_channel_map() { restore_through_link restore-link-to-channel-map /opt/usr/globalapps/tvs-chms/data; }
 
 case_restore_fifo() {
     stick_case restore-fifo
@@ -301,16 +290,27 @@ time_number() {
     ok "the log has the time read" logged "restore time is $3"
     tv_unchanged
 }
-case_time_huge() { time_number time-huge 99999999999999999999999 9223372036854775807; }
-case_time_negative() { time_number time-negative -1 -1; }
 
-if [ "${1:-}" = --list ]; then
-    declare -F | sed -n 's/^declare -f case_//p' | tr _ -
-    exit 0
-fi
-if [ $# -ne 1 ] || ! declare -F "case_${1//-/_}" >/dev/null; then
-    echo "usage: $0 CASE | --list"
-    exit 2
-fi
-"case_${1//-/_}"
-finish
+add_case broadcast-quote-delete text_attack broadcast quote-delete
+add_case broadcast-apostrophe-delete text_attack broadcast apostrophe-delete
+add_case broadcast-attach text_attack broadcast attach
+add_case broadcast-drop text_attack broadcast drop
+add_case broadcast-percent-n text_attack broadcast percent-n
+add_case metadata-quote-delete text_attack metadata quote-delete
+add_case metadata-apostrophe-delete text_attack metadata apostrophe-delete
+add_case metadata-attach text_attack metadata attach
+add_case metadata-drop text_attack metadata drop
+add_case metadata-percent-n text_attack metadata percent-n
+add_case restore-link-to-dbspace restore_through_link restore-link-to-dbspace /opt/dbspace
+add_case restore-link-to-channel-map restore_through_link restore-link-to-channel-map /opt/usr/globalapps/tvs-chms/data
+add_case restore-fifo case_restore_fifo
+add_case restore-socket case_restore_socket
+add_case restore-device-node case_restore_device_node
+add_case restore-odd-names case_restore_odd_names
+add_case dump-link-to-dbspace case_dump_link_to_dbspace
+add_case dump-odd-names case_dump_odd_names
+add_case time-fifo case_time_fifo
+add_case time-garbage case_time_garbage
+add_case time-huge time_number time-huge 99999999999999999999999 9223372036854775807
+add_case time-negative time_number time-negative -1 -1
+cases "$@"

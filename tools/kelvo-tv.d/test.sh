@@ -31,7 +31,6 @@ has_preset() { grep -q "\"name\": *\"$1\"" "$ROOT/CMakePresets.json"; }
 cmd_test() {
     ensure_packages
     local failed=0 summaries="" check preset presets=(default asan tsan)
-    has_preset fuzz && presets+=(fuzz)
     for check in check_format check_scripts; do
         if "$check"; then
             summaries+="$check: passed"$'\n'
@@ -61,6 +60,22 @@ cmd_test() {
             passed_tests=$((passed_tests + ${counts#* } - ${counts% *}))
         fi
     done
+    # The fuzz targets: their seed corpora replayed, then each fuzzed for a bounded time.
+    if has_preset fuzz; then
+        build_preset fuzz
+        local log="$STATE/fuzz.log"
+        note "fuzzing (preset fuzz, ${KELVO_FUZZ_SECONDS:-20} s a target)"
+        set +e
+        "$ROOT/tests/fuzz/run.sh" "${KELVO_FUZZ_SECONDS:-20}" </dev/null 2>&1 | tee "$log"
+        local status=${PIPESTATUS[0]}
+        set -e
+        summaries+="preset fuzz:"$'\n'$(grep -E '^(ok|FAIL) ' "$log")$'\n'
+        passed_tests=$((passed_tests + $(grep -c '^ok ' "$log")))
+        if [ "$status" -ne 0 ]; then
+            failed=1
+            failed_tests=$((failed_tests + $(grep -c '^FAIL ' "$log")))
+        fi
+    fi
     echo
     echo "== kelvo-tv test =="
     printf '%s' "$summaries"
