@@ -4,8 +4,12 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
+
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -957,6 +961,21 @@ TEST_F(MBRChannelTable, MergeAppendsDuplicatesAndSortIsStable)
         order.emplace_back(c.GetMajor(), c.GetOriginMajor());
     EXPECT_EQ(order,
               (std::vector<std::pair<int, int>>{{1, 11}, {1, 11}, {3, 5}, {3, 5}, {3, 9}, {3, 9}, {5, 3}, {5, 3}}));
+}
+
+// "[%d][%d]" holds the process, then the thread; they differ only on a thread of its own.
+TEST(MBRTables, NumberedLogLinesNameTheProcessThenTheThread)
+{
+    FakeDlog::Clear();
+    long thread = 0;
+    std::thread([&thread] {
+        thread = syscall(SYS_gettid);
+        int major = 0, minor = 0;
+        FCMBRNetworkChannelTable().GetMaxNumberOfMajorMinor(major, minor);
+    }).join();
+    ASSERT_EQ(FakeDlog::Lines().size(), 1u);
+    const std::string numbers = "> [" + std::to_string(getpid()) + "][" + std::to_string(thread) + "]FCMBR";
+    EXPECT_NE(FakeDlog::Lines()[0].text.find(numbers), std::string::npos) << FakeDlog::Lines()[0].text;
 }
 
 TEST(MBRTables, ProgrammeIntervalSearchAndFirstStartTimeWins)
