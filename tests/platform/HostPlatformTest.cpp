@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "FCAssert.h"
 #include "dlog.h"
 #include "notification.h"
 #include "tzplatform_config.h"
@@ -46,6 +47,21 @@ TEST(HostDlog, OneLinePerCallWithPriorityTagAndPid)
         expected += letter + ("/kelvo-util(" + pid + "): main.cpp: main(12) > hi\n");
     expected += "E/kelvo-dbus-proxy(" + pid + "): mount path is /media/a\\nb\n";
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), expected);
+}
+
+// An assertion is a log line; only KELVO_ASSERT_ABORT=1 makes it end the process.
+TEST(HostAssert, LogsTheExpressionAndAbortsOnlyWhenAsked)
+{
+    const std::string line = "E/kelvo-dbus-proxy(" + std::to_string(getpid()) + "): ASSERT(a < b) failed at f.cpp:12\n";
+    for (const char *flag : {static_cast<const char *>(nullptr), "0", "yes", "11"}) {
+        SCOPED_TRACE(Text(flag));
+        SetEnv("KELVO_ASSERT_ABORT", flag);
+        ::testing::internal::CaptureStderr();
+        _FCAssert("a < b", "f.cpp", 12);
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), line);
+    }
+    SetEnv("KELVO_ASSERT_ABORT", "1");
+    EXPECT_DEATH(_FCAssert("a < b", "f.cpp", 12), "ASSERT\\(a < b\\) failed at f\\.cpp:12");
 }
 
 TEST(HostTzplatform, EnvironmentFirstThenTheFolderUnderOpt)
