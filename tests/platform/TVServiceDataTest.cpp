@@ -16,12 +16,13 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-// The tags a service may hold (see TVServiceDataStore.h), 0 meaning "not held".
-TCStoredService Service(const char *name, long long id, long long rf, long long chmap, long long minor = 1)
+// The tags a service may hold (see TVServiceDataStore.h), 0 meaning "not held". Type, source,
+// major and minor differ, so that a tag read from another's column shows.
+TCStoredService Service(const char *name, long long id, long long rf, long long chmap, long long minor = 3)
 {
     TCStoredService s;
     s.name = name;
-    s.tags = {{1, 1}, {2, 1}, {12, id}, {13, 7}, {17, chmap}};
+    s.tags = {{1, 1}, {2, 4}, {12, id}, {13, 7}, {17, chmap}};
     if (rf >= 0)
         s.tags[9] = rf;
     if (minor > 0)
@@ -31,22 +32,28 @@ TCStoredService Service(const char *name, long long id, long long rf, long long 
 
 struct Found {
     int result;
-    std::vector<long long> ids;                 // tag 12 of each returned service, in order
-    std::vector<std::vector<int>> heldFetched;  // which fetched tags each one holds
+    std::vector<long long> ids;                    // tag 12 of each returned service, in order
+    std::vector<std::vector<int>> heldFetched;     // which fetched tags each one holds
+    std::vector<std::map<int, long long>> values;  // and their values
 };
 
 Found Query(const TCCriteriaHelper &criteria)
 {
     IService *service = TVServiceAPI::CreateService();
     std::list<TCServiceData *> list;
-    Found found{service->FindServiceList(criteria, list), {}, {}};
+    Found found{service->FindServiceList(criteria, list), {}, {}, {}};
     TVServiceAPI::Destroy(service);
     for (TCServiceData *data : list) {
         std::vector<int> held;
-        for (int tag = 0; tag < 32; ++tag)
-            if (data->Has(tag))
+        std::map<int, long long> values;
+        for (int tag = 0; tag < 32; ++tag) {
+            if (data->Has(tag)) {
                 held.push_back(tag);
+                values[tag] = data->Get(tag);
+            }
+        }
         found.heldFetched.push_back(held);
+        found.values.push_back(values);
         found.ids.push_back(data->Has(12) ? data->Get(12) : -1);
         delete data;
     }
@@ -118,6 +125,8 @@ TEST_F(ServiceQuery, OnlyFetchedTagsTravel)
     ASSERT_EQ(found.heldFetched.size(), 3u);
     EXPECT_THAT(found.heldFetched[0], ElementsAre(1, 2, 12, 13, 14));
     EXPECT_THAT(found.heldFetched[1], ElementsAre(1, 2, 12, 13)) << "the analogue service holds no minor";
+    for (const auto &[tag, value] : std::map<int, long long>{{1, 1}, {2, 4}, {12, 101}, {13, 7}, {14, 3}})
+        EXPECT_EQ(found.values[0][tag], value) << "tag " << tag;
 
     TCCriteriaHelper nothingFetched;
     nothingFetched.Where(12, 101);
