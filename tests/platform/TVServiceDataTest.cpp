@@ -177,14 +177,24 @@ TEST_F(ServiceQuery, ChannelMapDumpHoldsTheMappedServicesInMapOrder)
     sqlite3 *db = nullptr;
     ASSERT_EQ(sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
     sqlite3_stmt *stmt = nullptr;
-    ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT service_id FROM chmap ORDER BY chmap_index", -1, &stmt, nullptr),
-              SQLITE_OK);
-    std::vector<long long> ids;
-    while (sqlite3_step(stmt) == SQLITE_ROW)
-        ids.push_back(sqlite3_column_int64(stmt, 0));
+    // Each row's service id, major, minor, type and source, as the command-line client shows them.
+    ASSERT_EQ(
+        sqlite3_prepare_v2(db, "SELECT service_id, major, minor, service_type, source FROM chmap ORDER BY chmap_index",
+                           -1, &stmt, nullptr),
+        SQLITE_OK);
+    std::vector<std::string> rows;
+    while (sqlite3_step(stmt) == SQLITE_ROW) {
+        std::string row;
+        for (int column = 0; column < 5; ++column) {
+            const unsigned char *text = sqlite3_column_text(stmt, column);
+            row += (column > 0 ? "|" : "") + std::string(text != nullptr ? reinterpret_cast<const char *>(text) : "");
+        }
+        rows.push_back(row);
+    }
     sqlite3_finalize(stmt);
     sqlite3_close(db);
-    EXPECT_THAT(ids, ElementsAre(101, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)));
+    EXPECT_THAT(rows, ElementsAre("101|7|3|1|4", "103|7|3|1|4", "104|7||1|4", "105|7|3|1|4",
+                                  std::to_string(static_cast<long long>(0x9000000000000105ull)) + "|7|3|1|4"));
 }
 
 namespace {
