@@ -2,6 +2,7 @@
 // on the wire, that its reader gets back what the writer wrote (compared as the writer writes it
 // again), and what its reader makes of a reply without the members ({}).
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <thread>
@@ -580,6 +581,48 @@ TEST(Marshal, EveryWrapperWritesItsMembersReadsThemBackAndTreatsAnEmptyReplyAsIt
         EXPECT_EQ(row.read(empty, false), row.onEmpty == OnEmpty::Keeps ? row.write() : row.zero());
         EXPECT_EQ(Names(empty), row.onEmpty == OnEmpty::AddsMembers ? row.added : Keys{});
     }
+}
+
+// A writer and reader that share a table of keys and fields read back whatever they wrote, also a
+// field written under another field's key: the records' texts are held against their fixed form.
+TEST(Marshal, RecordsCarryEachFieldUnderItsOwnName)
+{
+    const std::map<std::string, std::string> forms = {
+        {"FCRemoteProgram", FCJsonHelper::WriteCompact(Parse(kProgram))},
+        {"FCRemoteChannel", FCJsonHelper::WriteCompact(Parse(WithGenreName("")))},
+        {"FCRemoteMSOConfig",
+         R"({"config":{"antennaMode":5,"serviceMode":7,"source":2,"strDeviceType":"DT","strHeadend":"HE",)"
+         R"("strZipCode":"10001","str_additional_info_with_json_format":"{\"a\":1}"}})"},
+        {"CertRule", R"({"out_cert_rule":{"str_adult_default":"adult","str_bar_mode":"bar","str_bar_ratio":"16:9",)"
+                     R"("str_first_screen":"first","str_service_cert_type":"cert","str_service_rule":"rule",)"
+                     R"("str_service_uptime_begin":"06:00","str_service_uptime_end":"23:00"}})"},
+        {"VODProvider", R"({"out_vod_providers":[{"logo":"L","name":"N","provider id":"P","string":"k","version":"V",)"
+                        R"("widget id":"W"}]})"},
+        {"GenreList",
+         R"({"array_genre":[{"str_genre_img_index":"3","str_genre_img_type":"png","str_genre_img_url":"http://img",)"
+         R"("str_id":"g7","str_name":"Drama"}]})"},
+        {"ProgramSourceMap",
+         R"({"out_tunable_program_source_id_map":[{"channel_key":{"activityID":1,"str_channel_number":"7-1",)"
+         R"("str_digital_flag":"df","str_frequency":"fr","str_major":"7","str_minor":"1","str_onid":"on",)"
+         R"("str_sid":"101","str_tsid":"ts"},"program_source_id":"src"}]})"},
+        {"MBRNetworkChannel",
+         R"({"bit set":"01001","m_acRank":8,"m_activityID":2,"m_bDigital":false,"m_channelID":4,"m_major":11,)"
+         R"("m_minor":3,"m_name":"Edited","m_originMajor":12,"m_originName":"Origin","m_remembered":true,)"
+         R"("m_str_icon_url":"icon.png","m_str_url_index":"url-3"})"},
+        {"MBRProgram", R"({"m_channelID":7,"m_duration":60,"m_programID":"pt","m_startTime":5,"m_title":"t"})"},
+        {"RatingList",
+         R"({"ratings":[{"rating":2,"rating_system":1,"vsld":3},{"rating":5,"rating_system":4,"vsld":6}]})"},
+        {"CountMap", R"({"channel count map":[{"count":0,"genre":"drama"},{"count":4,"genre":"news"}]})"},
+    };
+    size_t checked = 0;
+    for (const Row &row : Table()) {
+        const auto form = forms.find(row.name);
+        if (form == forms.end())
+            continue;
+        EXPECT_EQ(FCJsonHelper::WriteCompact(row.write()), form->second) << row.name;
+        ++checked;
+    }
+    EXPECT_EQ(checked, forms.size());
 }
 
 // Types on the wire, which the table's round trips cannot see; writers add to what is there.
