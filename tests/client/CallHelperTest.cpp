@@ -39,8 +39,11 @@ TEST(CallHelper, ArgumentTravelsCompactAndEachOutcomeReturnsAndLogsAsItShould)
         out["before"] = 1;
         EXPECT_EQ(FCCallHelper::RemoteCallWithJsonArguments("Probe", argument, out), c.ok);
         // A reply that fails to parse may leave anything; otherwise out holds the reply or is unchanged.
-        EXPECT_TRUE((!c.ok && c.answer.kind == FakeCall::Answer::Reply) ||
-                    out[c.ok ? "n" : "before"] == (c.ok ? 3 : 1));
+        if (c.ok) {
+            EXPECT_EQ(out["n"], 3);
+        } else if (c.answer.kind != FakeCall::Answer::Reply) {
+            EXPECT_EQ(out["before"], 1);
+        }
         EXPECT_EQ(FakeCall::Arguments("Probe"),
                   std::vector<std::string>{R"({"activityID":0,"nested":{"list":["a b"]}})"});
         EXPECT_EQ(FakeDlog::Messages("kelvo-dbus-proxy"),
@@ -62,14 +65,16 @@ TEST(JsonHelper, YesNoRepliesMergeAndFilter)
          {"{\"ret\":false}", "{\"other\":1}", "[true]", "7", "\"ret\"", "{\"ret\":\"yes\"}", "{\"ret\":{}}", "null"})
         EXPECT_FALSE(FCJsonHelper::ParseReturnBoolean(no)) << no;
     std::string yes = "{\"ret\":true}", broken = "{";
-    EXPECT_TRUE(FCJsonHelper::ParseReturnBoolean(yes) && FakeDlog::Lines().empty());
+    EXPECT_TRUE(FCJsonHelper::ParseReturnBoolean(yes));
+    EXPECT_TRUE(FakeDlog::Lines().empty());
     EXPECT_FALSE(FCJsonHelper::ParseReturnBoolean(broken));
     ASSERT_EQ(FakeDlog::Messages().size(), 1u);
     EXPECT_NE(FakeDlog::Messages()[0].find("[FCJsonHelper::ParseReturnBoolean] fail to parse json output data"),
               std::string::npos);
 
     Json::Value target;
-    EXPECT_TRUE(FCJsonHelper::AppendMetaDataToGivenJson("[1,2]", target) && target.isNull());
+    EXPECT_TRUE(FCJsonHelper::AppendMetaDataToGivenJson("[1,2]", target));
+    EXPECT_TRUE(target.isNull());
     target["a"] = "old";
     ASSERT_TRUE(FCJsonHelper::AppendMetaDataToGivenJson(R"({"a":"","b":null,"c":"x","d":[]})", target));
     EXPECT_EQ(FCJsonHelper::WriteCompact(target), R"({"a":"old","b":null,"c":"x","d":[]})");

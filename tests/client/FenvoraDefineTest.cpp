@@ -39,8 +39,8 @@ TEST(FCAPI, InitializeAndFinalizeGuardEachOther)
 
     FakeDlog::Clear();
     EXPECT_FALSE(FCAPI::Initialize());
-    EXPECT_TRUE(Logged("DBG_LV[0][FCAPI::Initialize] called\n") &&
-                Logged("DBG_LV[0][FCAPI::Initialize] already initialized\n"));
+    EXPECT_TRUE(Logged("DBG_LV[0][FCAPI::Initialize] called\n"));
+    EXPECT_TRUE(Logged("DBG_LV[0][FCAPI::Initialize] already initialized\n"));
 
     EXPECT_TRUE(FCAPI::Finalize());
     EXPECT_FALSE(FCAPI::is_initailzed);
@@ -55,10 +55,13 @@ void CheckService(Interface *(*accessor)(), Interface *(FCFenvoraObjectFactory::
 {
     SCOPED_TRACE(typeid(Proxy).name());
     Interface *kept = accessor();
-    EXPECT_TRUE(kept && accessor() == kept && dynamic_cast<Proxy *>(kept));
+    EXPECT_NE(dynamic_cast<Proxy *>(kept), nullptr);
+    EXPECT_EQ(accessor(), kept);
     FCFenvoraObjectFactory *factory = FCFenvoraObjectFactory::GetInstance();
     std::unique_ptr<Interface> a((factory->*make)()), b((factory->*make)());
-    EXPECT_TRUE(a != b && a.get() != kept && dynamic_cast<Proxy *>(a.get()));
+    EXPECT_NE(dynamic_cast<Proxy *>(a.get()), nullptr);
+    EXPECT_NE(a, b);
+    EXPECT_NE(a.get(), kept);
 }
 
 TEST(FCFenvoraObjectFactory, AccessorsKeepOneObjectAndTheFactoryMakesANewOneEachTime)

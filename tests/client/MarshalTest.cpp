@@ -2,10 +2,15 @@
 // on the wire, that its reader gets back what the writer wrote (compared as the writer writes it
 // again), and what its reader makes of a reply without the members ({}).
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
+
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -25,14 +30,16 @@ enum class OnEmpty {
 
 using Keys = std::set<std::string>;
 
-// read: true when the values are as expected.
+// Values are compared as the writer writes them: write() the sample, zero() what a reader makes of
+// {}, read() what the reader made of a reply.
 struct Row {
     std::string name;
     Keys written;
     OnEmpty onEmpty;
     Keys added;
     std::function<Json::Value()> write;
-    std::function<bool(Json::Value &, bool fromSample)> read;
+    std::function<Json::Value()> zero;
+    std::function<Json::Value(Json::Value &, bool fromSample)> read;
 };
 
 template <typename... T>
@@ -55,10 +62,15 @@ Row MakeRow(const char *name, Keys written, OnEmpty onEmpty, Pair<T...> fns, std
         // Start from other values, so that a reader that writes nothing is seen.
         std::tuple<T...> got = fromSample ? std::tuple<T...>{} : sample;
         std::apply([&](T &...v) { fns.read(in, v...); }, got);
-        const bool keeps = !fromSample && onEmpty == OnEmpty::Keeps;
-        return toJson(got) == toJson(fromSample || keeps ? sample : zero);
+        return toJson(got);
     };
-    return Row{name, written, onEmpty, added.empty() ? written : added, [=] { return toJson(sample); }, read};
+    return Row{name,
+               written,
+               onEmpty,
+               added.empty() ? written : added,
+               [=] { return toJson(sample); },
+               [=] { return toJson(zero); },
+               read};
 }
 
 #define WRAPPERS(W, R)                                                                                                 \
@@ -134,11 +146,40 @@ FCRemoteProgram Program(const std::string &title, unsigned long start)
     });
 }
 
-FCMBRNetworkChannel MakeChannel(int major, int minor, int id = -1)
+// A channel whose number, its origin and its minor all differ, named after its channel id.
+FCMBRNetworkChannel MakeChannel(int major, int originMajor, int minor, int id)
 {
     return With<FCMBRNetworkChannel>([=](FCMBRNetworkChannel &c) mutable {
-        c.SetMajor(major), c.SetOriginMajor(major), c.SetMinor(minor), c.SetChannelID(id);
-        c.SetFavorite(FCMBRNetworkChannel::FAVORITE_2, true);
+        std::string name = "ch" + std::to_string(id);
+        c.SetMajor(major);
+        c.SetOriginMajor(originMajor);
+        c.SetMinor(minor);
+        c.SetChannelID(id);
+        c.SetName(name);
+    });
+}
+
+// Every field set, and no two fields alike, so that one read or written in the place of another
+// shows.
+FCMBRNetworkChannel FullMbrChannel()
+{
+    return With<FCMBRNetworkChannel>([](FCMBRNetworkChannel &c) {
+        std::string name = "Edited", origin = "Origin", icon = "icon.png", url = "url-3";
+        int id = 4;
+        std::bitset<MBR_NETWORKCHANNEL_FAVORITE_MAX> favourites("01001");
+        c.SetMajor(11);
+        c.SetOriginMajor(12);
+        c.SetMinor(3);
+        c.SetChannelID(id);
+        c.SetName(name);
+        c.SetOriginName(origin);
+        c.SetIconUrl(icon);
+        c.SetUrlIndex(url);
+        c.SetRemembered(true);
+        c.SetDigitalFlag(false);
+        c.SetActivityID(2);
+        c.SetacRank(8);
+        c.SetFavoriteBitSet(favourites);
     });
 }
 
@@ -146,7 +187,76 @@ FCMBRNetworkProgram MakeProgram(unsigned long start, int duration, std::string t
 {
     return With<FCMBRNetworkProgram>([=](FCMBRNetworkProgram &p) mutable {
         std::string id = "p" + title;
-        p.SetStartTime(start), p.SetDuration(duration), p.SetTitle(title), p.SetProgramID(id);
+        p.SetStartTime(start);
+        p.SetDuration(duration);
+        p.SetTitle(title);
+        p.SetProgramID(id);
+        p.SetChannelID(7);
+    });
+}
+
+FCRemoteMSOConfig FullConfig()
+{
+    return With<FCRemoteMSOConfig>([](FCRemoteMSOConfig &c) {
+        c.m_headend = "HE";
+        c.m_deviceType = "DT";
+        c.m_zipCode = "10001";
+        c.m_additionalInfoJson = R"({"a":1})";
+        c.m_source = 2;
+        c.m_antennaMode = 5;
+        c.m_serviceMode = 7;
+    });
+}
+
+CKelvoResponse_CertRule FullCertRule()
+{
+    return With<CKelvoResponse_CertRule>([](CKelvoResponse_CertRule &r) {
+        r.m_strFirstScreen = "first";
+        r.m_strAdultDefault = "adult";
+        r.m_strBarMode = "bar";
+        r.m_strBarRatio = "16:9";
+        r.m_strServiceCertType = "cert";
+        r.m_strServiceRule = "rule";
+        r.m_strServiceUptimeBegin = "06:00";
+        r.m_strServiceUptimeEnd = "23:00";
+    });
+}
+
+CKelvoResponse_VODProviders FullProviders()
+{
+    return With<CKelvoResponse_VODProviders>([](CKelvoResponse_VODProviders &p) {
+        CKelvoResElement_VODProvider &provider = p.m_providers["k"];
+        provider.m_name = "N";
+        provider.m_providerId = "P";
+        provider.m_logo = "L";
+        provider.m_widgetId = "W";
+        provider.m_version = "V";
+    });
+}
+
+FCGenreInfo FullGenre()
+{
+    return With<FCGenreInfo>([](FCGenreInfo &g) {
+        g.m_id = "g7";
+        g.m_name = "Drama";
+        g.m_imgUrl = "http://img";
+        g.m_imgType = "png";
+        g.m_imgIndex = "3";
+    });
+}
+
+FCRemoteChannelKey FullKey()
+{
+    return With<FCRemoteChannelKey>([](FCRemoteChannelKey &k) {
+        k.m_activityID = REMOTE_CONTENT_ACTIVITY_SUB;
+        k.m_channelNumber = "7-1";
+        k.m_major = "7";
+        k.m_minor = "1";
+        k.m_onid = "on";
+        k.m_tsid = "ts";
+        k.m_sid = "101";
+        k.m_frequency = "fr";
+        k.m_digitalFlag = "df";
     });
 }
 
@@ -156,13 +266,57 @@ Keys Names(const Json::Value &value)
     return Keys(names.begin(), names.end());
 }
 
+// Every member name, nested ones as "outer.inner" and those of array elements as "outer[].inner",
+// so that a key misspelt inside a record or a list shows as well as one at the top.
+Keys Paths(const Json::Value &value, const std::string &prefix = "")
+{
+    Keys keys;
+    if (value.isArray()) {
+        for (const Json::Value &element : value)
+            keys.merge(Paths(element, prefix + "[]"));
+    } else if (value.isObject()) {
+        for (const std::string &name : value.getMemberNames()) {
+            const std::string path = prefix.empty() ? name : prefix + "." + name;
+            keys.insert(path);
+            keys.merge(Paths(value[name], path));
+        }
+    }
+    return keys;
+}
+
+// `parent` with each of `members` below it.
+Keys Under(const std::string &parent, const Keys &members)
+{
+    const bool array = parent.size() > 2 && parent.compare(parent.size() - 2, 2, "[]") == 0;
+    Keys keys = {array ? parent.substr(0, parent.size() - 2) : parent};
+    for (const std::string &member : members)
+        keys.insert(parent + "." + member);
+    return keys;
+}
+
+Keys operator+(Keys a, const Keys &b)
+{
+    a.insert(b.begin(), b.end());
+    return a;
+}
+
 // Read from "genre name", written as "gere name".
 Keys ChannelReadKeys()
 {
     Keys keys = Names(Parse(WithGenreName("")));
     keys.erase("gere name");
-    return keys.insert("genre name"), keys;
+    keys.insert("genre name");
+    return keys;
 }
+
+const Keys kProgramKeys = Names(Parse(kProgram));
+const Keys kChannelKeys = Names(Parse(WithGenreName("")));
+const Keys kKeyKeys = {"activityID", "str_channel_number", "str_major",       "str_minor", "str_onid", "str_tsid",
+                       "str_sid",    "str_frequency",      "str_digital_flag"};
+const Keys kMbrChannelKeys = {"m_activityID",  "m_acRank",   "m_str_icon_url", "m_str_url_index", "m_major",
+                              "m_originMajor", "m_minor",    "m_name",         "m_originName",    "m_channelID",
+                              "m_remembered",  "m_bDigital", "bit set"};
+const Keys kMbrProgramKeys = {"m_startTime", "m_duration", "m_title", "m_channelID", "m_programID"};
 
 const std::vector<Row> &Table()
 {
@@ -322,84 +476,91 @@ const std::vector<Row> &Table()
                       WRAPPERS(ImageDownloadIdToJson, JsonToImageDownloadId), {-77L}),
 
         // Records: the record's own form.
-        MakeRow<FCRemoteMSOConfig>("FCRemoteMSOConfig", {"config"}, O::AddsMembers,
-                                   WRAPPERS(FCRmoteMSOConfigToJson, JsonToFCRemoteMSOConfig),
-                                   {With<FCRemoteMSOConfig>([](FCRemoteMSOConfig &c) {
-                                       c.m_headend = "HE";
-                                       c.m_source = 2;
-                                   })},
-                                   {With<FCRemoteMSOConfig>([](FCRemoteMSOConfig &c) {
-                                       c.m_source = c.m_antennaMode = c.m_serviceMode = 0;
-                                   })}),
+        MakeRow<FCRemoteMSOConfig>(
+            "FCRemoteMSOConfig",
+            Under("config", {"strHeadend", "strDeviceType", "strZipCode", "str_additional_info_with_json_format",
+                             "source", "antennaMode", "serviceMode"}),
+            O::AddsMembers, WRAPPERS(FCRmoteMSOConfigToJson, JsonToFCRemoteMSOConfig), {FullConfig()},
+            {With<FCRemoteMSOConfig>([](FCRemoteMSOConfig &c) {
+                c.m_source = 0;
+                c.m_antennaMode = 0;
+                c.m_serviceMode = 0;
+            })},
+            {"config"}),
         MakeRow<CKelvoResponse_CertRule>(
-            "CertRule", {"out_cert_rule"}, O::AddsMembers, WRAPPERS(CertRuleToJson, JsonToCertRule),
-            {With<CKelvoResponse_CertRule>([](CKelvoResponse_CertRule &r) { r.m_strBarRatio = "16:9"; })}),
-        MakeRow<CKelvoResponse_VODProviders>("VODProvider", {"out_vod_providers"}, O::Keeps,
-                                             WRAPPERS(VODProviderToJson, JsonToVODProvider),
-                                             {With<CKelvoResponse_VODProviders>([](CKelvoResponse_VODProviders &p) {
-                                                 p.m_providers["k"].m_logo = "l";
-                                             })}),
-        MakeRow<FCRemoteProgram>("FCRemoteProgram", Names(Parse(kProgram)), O::Zero,
+            "CertRule",
+            Under("out_cert_rule",
+                  {"str_first_screen", "str_adult_default", "str_bar_mode", "str_bar_ratio", "str_service_cert_type",
+                   "str_service_rule", "str_service_uptime_begin", "str_service_uptime_end"}),
+            O::AddsMembers, WRAPPERS(CertRuleToJson, JsonToCertRule), {FullCertRule()}, {}, {"out_cert_rule"}),
+        MakeRow<CKelvoResponse_VODProviders>(
+            "VODProvider",
+            Under("out_vod_providers[]", {"string", "name", "provider id", "logo", "widget id", "version"}), O::Keeps,
+            WRAPPERS(VODProviderToJson, JsonToVODProvider), {FullProviders()}),
+        MakeRow<FCRemoteProgram>("FCRemoteProgram", kProgramKeys, O::Zero,
                                  WRAPPERS(FCRemoteProgramToJson, JsonToFCRemoteProgram), {FullProgram()},
                                  {With<FCRemoteProgram>([](FCRemoteProgram &p) {
                                      p.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID;
                                      p.m_genres = {"a", "b"};
                                  })}),
-        MakeRow<FCRemoteChannel>("FCRemoteChannel", Names(Parse(WithGenreName(""))), O::AddsMembers,
+        MakeRow<FCRemoteChannel>("FCRemoteChannel", kChannelKeys, O::AddsMembers,
                                  WRAPPERS(FCRemoteChannelToJson, JsonToFCRemoteChannel), {FullChannel()}, {},
                                  ChannelReadKeys()),
-        MakeRow<FCMBRNetworkProgram>("MBRProgram",
-                                     {"m_startTime", "m_duration", "m_title", "m_channelID", "m_programID"}, O::Raises,
+        MakeRow<FCMBRNetworkProgram>("MBRProgram", kMbrProgramKeys, O::Raises,
                                      WRAPPERS(MBRProgramToJson, JsonToMBRProgram), {MakeProgram(5, 60, "t")}),
-        MakeRow<FCMBRNetworkChannel>(
-            "MBRNetworkChannel",
-            {"m_activityID", "m_acRank", "m_str_icon_url", "m_str_url_index", "m_major", "m_originMajor", "m_minor",
-             "m_name", "m_originName", "m_channelID", "m_remembered", "m_bDigital", "bit set"},
-            O::Raises, WRAPPERS(MBRNetworkChannelToJson, JsonToMBRNetworkChannel), {MakeChannel(11, 3, 4)}),
+        MakeRow<FCMBRNetworkChannel>("MBRNetworkChannel", kMbrChannelKeys, O::Raises,
+                                     WRAPPERS(MBRNetworkChannelToJson, JsonToMBRNetworkChannel), {FullMbrChannel()}),
 
         // Lists and keyed maps: reading {} appends nothing and adds nothing.
         MakeRow<std::vector<FCRemoteChannel>>(
-            "ChannelList", {"channel_array"},
-            O::Keeps, WRAPPERS(ChannelListToJson, JsonToChannelList),
-            {{FCRemoteChannel(), With<FCRemoteChannel>([](FCRemoteChannel &c) { c.m_sid = "1"; })}}),
-        MakeRow<std::vector<FCGenreInfo>>("GenreList", {"array_genre"}, O::Keeps,
-                                          WRAPPERS(GenreListToJson, JsonToGenreList),
-                                          {{With<FCGenreInfo>([](FCGenreInfo &g) { g.m_imgIndex = "3"; })}}),
+            "ChannelList", Under("channel_array[]", kChannelKeys), O::Keeps,
+            WRAPPERS(ChannelListToJson, JsonToChannelList),
+            {{FullChannel(), With<FCRemoteChannel>([](FCRemoteChannel &c) { c.m_sid = "1"; })}}),
+        MakeRow<std::vector<FCGenreInfo>>("GenreList",
+                                          Under("array_genre[]", {"str_id", "str_name", "str_genre_img_url",
+                                                                  "str_genre_img_type", "str_genre_img_index"}),
+                                          O::Keeps, WRAPPERS(GenreListToJson, JsonToGenreList), {{FullGenre()}}),
         MakeRow<Ids>("SourceIDList", {"sourceIDArray"}, O::Keeps, WRAPPERS(SourceIDListToJson, JsonToSourceIDList),
                      {{"a", "b"}}),
-        MakeRow<std::list<ULL>>("ServiceIDList", {"service_list"}, O::Keeps,
+        MakeRow<std::list<ULL>>("ServiceIDList", Under("service_list[]", {"TCServiceId"}), O::Keeps,
                                 WRAPPERS(ServiceIDListToJson, JsonToServiceIDList), {{1ULL, 1ULL << 40}}),
-        MakeRow<FCRFNetworkChannelTable>("RFNetworkChannelTable", {"service list"}, O::Keeps,
+        MakeRow<FCRFNetworkChannelTable>("RFNetworkChannelTable", Under("service list[]", {"TCServiceId"}), O::Keeps,
                                          WRAPPERS(RFNetworkChannelTableToJson, JsonToRFNetworkChannelTable),
                                          {With<FCRFNetworkChannelTable>([](FCRFNetworkChannelTable &t) {
                                              t.m_rfNetworkChannelList = {99, 100};
                                          })}),
-        MakeRow<FCMBRNetworkChannelTable>("MBRNetworkChannelTable", {"MBR channel table"}, O::Keeps,
+        MakeRow<FCMBRNetworkChannelTable>("MBRNetworkChannelTable", Under("MBR channel table[]", kMbrChannelKeys),
+                                          O::Keeps,
                                           WRAPPERS(MBRNetworkChannelTableToJson, JsonToMBRNetworkChannelTable),
                                           {With<FCMBRNetworkChannelTable>([](FCMBRNetworkChannelTable &t) {
-                                              t.AppendNetworkChannel(MakeChannel(11, 3, 4));
+                                              t.AppendNetworkChannel(FullMbrChannel());
+                                              t.AppendNetworkChannel(MakeChannel(5, 3, 1, 9));
                                           })}),
-        MakeRow<FCMBRNetworkProgramTable>("MBRProgramTable", {"mbrProgramTable"}, O::Keeps,
+        MakeRow<FCMBRNetworkProgramTable>("MBRProgramTable",
+                                          Under("mbrProgramTable[]", kMbrProgramKeys + Keys{"first"}), O::Keeps,
                                           WRAPPERS(MBRProgramTableToJson, JsonToMBRProgramTable),
                                           {With<FCMBRNetworkProgramTable>([](FCMBRNetworkProgramTable &t) {
                                               auto a = MakeProgram(20, 1, "a"), b = MakeProgram(10, 1, "b");
                                               t.AppendNetworkProgram(a);
                                               t.AppendNetworkProgram(b);
                                           })}),
-        MakeRow<std::map<unsigned int, FCRemoteProgram>>("MetaProgramMap", {"meta_program_map"}, O::Keeps,
-                                                         WRAPPERS(MetaProgramMapToJson, JsonToMetaProgramMap),
-                                                         {{{3, Program("c", 3)}, {1, Program("a", 1)}}}),
+        MakeRow<std::map<unsigned int, FCRemoteProgram>>(
+            "MetaProgramMap", Under("meta_program_map[]", kProgramKeys + Keys{"key"}), O::Keeps,
+            WRAPPERS(MetaProgramMapToJson, JsonToMetaProgramMap), {{{3, FullProgram()}, {1, Program("a", 1)}}}),
         MakeRow<std::map<std::string, FCRemoteChannelKey>>(
-            "ProgramSourceMap", {"out_tunable_program_source_id_map"}, O::Keeps,
-            WRAPPERS(ProgramSourceMapToJson, JsonToProgramSourceMap),
-            {{{"src", With<FCRemoteChannelKey>([](FCRemoteChannelKey &k) { k.m_sid = "101"; })}}}),
-        MakeRow<std::map<std::string, int>>("CountMap", {"channel count map"}, O::Keeps,
+            "ProgramSourceMap",
+            Under("out_tunable_program_source_id_map[]", Under("channel_key", kKeyKeys) + Keys{"program_source_id"}),
+            O::Keeps, WRAPPERS(ProgramSourceMapToJson, JsonToProgramSourceMap), {{{"src", FullKey()}}}),
+        MakeRow<std::map<std::string, int>>("CountMap", Under("channel count map[]", {"count", "genre"}), O::Keeps,
                                             WRAPPERS(CountMapToJson, JsonToCountMap), {{{"news", 4}, {"drama", 0}}}),
-        MakeRow<ProgramMap>("ProgramMap", {"out_mapProgramWithSourceID"}, O::Keeps,
-                            WRAPPERS(ProgramMapToJson, JsonToProgramMap),
-                            {ProgramMap{{"s1", {Program("x", 1), Program("y", 2)}}, {"s2", {}}}}),
-        MakeRow<std::vector<RatingInfo>>("RatingList", {"ratings"}, O::Keeps,
-                                         WRAPPERS(RatingListToJson, JsonToRatingList), {{{1, 2, 3}, {4, 5, 6}}}),
+        MakeRow<ProgramMap>(
+            "ProgramMap",
+            Under("out_mapProgramWithSourceID[]", Under("program_array[]", kProgramKeys) + Keys{"program_source_id"}),
+            O::Keeps, WRAPPERS(ProgramMapToJson, JsonToProgramMap),
+            {ProgramMap{{"s1", {FullProgram(), Program("y", 2)}}, {"s2", {}}}}),
+        MakeRow<std::vector<RatingInfo>>("RatingList", Under("ratings[]", {"rating", "rating_system", "vsld"}),
+                                         O::Keeps, WRAPPERS(RatingListToJson, JsonToRatingList),
+                                         {{{1, 2, 3}, {4, 5, 6}}}),
     };
     return rows;
 }
@@ -411,30 +572,73 @@ TEST(Marshal, EveryWrapperWritesItsMembersReadsThemBackAndTreatsAnEmptyReplyAsIt
     for (const Row &row : Table()) {
         SCOPED_TRACE(row.name);
         Json::Value written = row.write(), empty(Json::objectValue);
-        EXPECT_EQ(Names(written), row.written);
-        EXPECT_TRUE(row.read(written, true));
+        EXPECT_EQ(Paths(written), row.written);
+        EXPECT_EQ(row.read(written, true), row.write());
         if (row.onEmpty == OnEmpty::Raises) {
             EXPECT_THROW(row.read(empty, false), Json::LogicError);
             continue;
         }
-        EXPECT_TRUE(row.read(empty, false));
+        EXPECT_EQ(row.read(empty, false), row.onEmpty == OnEmpty::Keeps ? row.write() : row.zero());
         EXPECT_EQ(Names(empty), row.onEmpty == OnEmpty::AddsMembers ? row.added : Keys{});
     }
+}
+
+// A writer and reader that share a table of keys and fields read back whatever they wrote, also a
+// field written under another field's key: the records' texts are held against their fixed form.
+TEST(Marshal, RecordsCarryEachFieldUnderItsOwnName)
+{
+    const std::map<std::string, std::string> forms = {
+        {"FCRemoteProgram", FCJsonHelper::WriteCompact(Parse(kProgram))},
+        {"FCRemoteChannel", FCJsonHelper::WriteCompact(Parse(WithGenreName("")))},
+        {"FCRemoteMSOConfig",
+         R"({"config":{"antennaMode":5,"serviceMode":7,"source":2,"strDeviceType":"DT","strHeadend":"HE",)"
+         R"("strZipCode":"10001","str_additional_info_with_json_format":"{\"a\":1}"}})"},
+        {"CertRule", R"({"out_cert_rule":{"str_adult_default":"adult","str_bar_mode":"bar","str_bar_ratio":"16:9",)"
+                     R"("str_first_screen":"first","str_service_cert_type":"cert","str_service_rule":"rule",)"
+                     R"("str_service_uptime_begin":"06:00","str_service_uptime_end":"23:00"}})"},
+        {"VODProvider", R"({"out_vod_providers":[{"logo":"L","name":"N","provider id":"P","string":"k","version":"V",)"
+                        R"("widget id":"W"}]})"},
+        {"GenreList",
+         R"({"array_genre":[{"str_genre_img_index":"3","str_genre_img_type":"png","str_genre_img_url":"http://img",)"
+         R"("str_id":"g7","str_name":"Drama"}]})"},
+        {"ProgramSourceMap",
+         R"({"out_tunable_program_source_id_map":[{"channel_key":{"activityID":1,"str_channel_number":"7-1",)"
+         R"("str_digital_flag":"df","str_frequency":"fr","str_major":"7","str_minor":"1","str_onid":"on",)"
+         R"("str_sid":"101","str_tsid":"ts"},"program_source_id":"src"}]})"},
+        {"MBRNetworkChannel",
+         R"({"bit set":"01001","m_acRank":8,"m_activityID":2,"m_bDigital":false,"m_channelID":4,"m_major":11,)"
+         R"("m_minor":3,"m_name":"Edited","m_originMajor":12,"m_originName":"Origin","m_remembered":true,)"
+         R"("m_str_icon_url":"icon.png","m_str_url_index":"url-3"})"},
+        {"MBRProgram", R"({"m_channelID":7,"m_duration":60,"m_programID":"pt","m_startTime":5,"m_title":"t"})"},
+        {"RatingList",
+         R"({"ratings":[{"rating":2,"rating_system":1,"vsld":3},{"rating":5,"rating_system":4,"vsld":6}]})"},
+        {"CountMap", R"({"channel count map":[{"count":0,"genre":"drama"},{"count":4,"genre":"news"}]})"},
+    };
+    size_t checked = 0;
+    for (const Row &row : Table()) {
+        const auto form = forms.find(row.name);
+        if (form == forms.end())
+            continue;
+        EXPECT_EQ(FCJsonHelper::WriteCompact(row.write()), form->second) << row.name;
+        ++checked;
+    }
+    EXPECT_EQ(checked, forms.size());
 }
 
 // Types on the wire, which the table's round trips cannot see; writers add to what is there.
 TEST(Marshal, WireTypesAndExistingMembers)
 {
     Json::Value out = Parse(R"({"keep":"me"})");
-    FCMarshal::TCServiceIdToJson(18446744073709551615ULL, out),
-        FCMarshal::PGNumToJson(static_cast<unsigned short>(7), out);
-    FCMarshal::FlagToJson(true, out), FCMarshal::IdToJson(-3, out);
+    FCMarshal::TCServiceIdToJson(18446744073709551615ULL, out);
+    FCMarshal::PGNumToJson(static_cast<unsigned short>(7), out);
+    FCMarshal::FlagToJson(true, out);
+    FCMarshal::IdToJson(-3, out);
     EXPECT_EQ(FCJsonHelper::WriteCompact(out),
               R"({"TCServiceId":"18446744073709551615","flag":true,"id":-3,"keep":"me","pgNum":7})");
-    EXPECT_TRUE(out["pgNum"].type() == Json::uintValue && out["id"].type() == Json::intValue);
-    EXPECT_EQ(FCMarshal::JsonToInt(Parse(R"({"ret":5})")) * 10 +
-                  FCMarshal::JsonToDataServiceType(Parse(R"({"dataType":2})")),
-              52);
+    EXPECT_EQ(out["pgNum"].type(), Json::uintValue);
+    EXPECT_EQ(out["id"].type(), Json::intValue);
+    EXPECT_EQ(FCMarshal::JsonToInt(Parse(R"({"ret":5})")), 5);
+    EXPECT_EQ(FCMarshal::JsonToDataServiceType(Parse(R"({"dataType":2})")), 2);
 }
 
 TEST(Marshal, ContainersKeepKeyOrderAndMapReadersAssignPerKey)
@@ -443,19 +647,22 @@ TEST(Marshal, ContainersKeepKeyOrderAndMapReadersAssignPerKey)
     Json::Value out;
     FCMarshal::MetaProgramMapToJson(programs, out);
     ASSERT_EQ(out["meta_program_map"].size(), 2u);
-    EXPECT_EQ(out["meta_program_map"][0]["key"].asString() + out["meta_program_map"][0]["title"].asString(), "10a");
+    EXPECT_EQ(out["meta_program_map"][0]["key"], 10u);
+    EXPECT_EQ(out["meta_program_map"][0]["title"], "a");
     out["meta_program_map"][1]["key"] = 10u;  // a later element with the same key replaces
     std::map<unsigned int, FCRemoteProgram> read = {{9, Program("kept", 9)}};
     FCMarshal::JsonToMetaProgramMap(out, read);
     ASSERT_EQ(read.size(), 2u);
-    EXPECT_EQ(read[10].m_title + read[9].m_title, "ckept");
+    EXPECT_EQ(read[10].m_title, "c");
+    EXPECT_EQ(read[9].m_title, "kept");
 
     ProgramMap bySource = {{"s1", {Program("a", 1), Program("b", 2)}}, {"s2", {Program("c", 3)}}};
     ProgramMap reply = {{"s1", {Program("z", 9)}}};
     FCMarshal::ProgramMapToJson(reply, out);
     FCMarshal::JsonToProgramMap(out, bySource);
-    ASSERT_EQ(bySource["s1"].size() * 10 + bySource["s2"].size(), 11u);
+    ASSERT_EQ(bySource["s1"].size(), 1u);  // the vector of a key in the reply is replaced
     EXPECT_EQ(bySource["s1"][0].m_title, "z");
+    EXPECT_EQ(bySource["s2"].size(), 1u);  // one the reply does not name stays
 
     Ids ids = {"x"};
     Json::Value list = Parse(R"({"sourceIDArray":["y"]})");
@@ -469,9 +676,12 @@ TEST(Marshal, DecimalTextStopsAtTheFirstNonDigit)
     long download = 1;
     Json::Value in = Parse(R"({"TCServiceId":"123abc","imageDownloadId":"-12x"})"),
                 letters = Parse(R"({"TCServiceId":"abc"})");
-    FCMarshal::VCJsonToServiceId(in, id), FCMarshal::JsonToImageDownloadId(in, download),
-        FCMarshal::JsonToTCServiceId(letters, other);
-    EXPECT_EQ(std::to_string(id) + "|" + std::to_string(download) + "|" + std::to_string(other), "123|-12|0");
+    FCMarshal::VCJsonToServiceId(in, id);
+    FCMarshal::JsonToImageDownloadId(in, download);
+    FCMarshal::JsonToTCServiceId(letters, other);
+    EXPECT_EQ(id, 123u);
+    EXPECT_EQ(download, -12);
+    EXPECT_EQ(other, 0u);
 }
 
 // Every other field's round trip is in the marshal table.
@@ -486,10 +696,12 @@ TEST(RemoteRecords, GenresAndTheChannelsGenreNameAndKey)
     FCRemoteChannel channel = FullChannel();  // its "gere name" is not read
     EXPECT_EQ(channel.m_genreName, "");
     json["genre name"] = "Read";
-    FCRemoteChannel::FromJson(json, channel), FCRemoteChannel::ToJson(channel, without);
+    FCRemoteChannel::FromJson(json, channel);
+    FCRemoteChannel::ToJson(channel, without);
     EXPECT_EQ(without["gere name"], "Read");
     FCRemoteChannelKey fromChannel, back;
-    channel.GetKey(fromChannel), FCRemoteChannelKey::ToJson(fromChannel, key);
+    channel.GetKey(fromChannel);
+    FCRemoteChannelKey::ToJson(fromChannel, key);
     EXPECT_EQ(
         FCJsonHelper::WriteCompact(key),
         R"({"channel_key":{"activityID":1,"str_channel_number":"7-1","str_digital_flag":"df",)"
@@ -526,32 +738,52 @@ TEST(RemoteRecords, ProgrammeTextFormKeepsOnlyTheLastGenreAndLeavesOutDescriptio
     back.m_genres = {"x"};
     ASSERT_TRUE(back.from_string(text));
     EXPECT_EQ(back.m_genres, (std::vector<std::string>{"x", "b"}));
-    EXPECT_EQ(back.m_title + std::to_string(back.m_utcStartTime) + back.m_desc, p.m_title + "1795291200");
+    EXPECT_EQ(back.m_title, p.m_title);
+    EXPECT_EQ(back.m_utcStartTime, 1795291200u);
+    EXPECT_EQ(back.m_desc, "");
     ASSERT_TRUE(none.to_string(text));
     EXPECT_EQ(Parse(text)["genre_array"], Parse("[null]"));
     EXPECT_FALSE(p.from_string(notJson));
     EXPECT_EQ(p.m_genres, FullProgram().m_genres);
 }
 
-TEST(RemoteRecords, Order)
+TEST(RemoteRecords, ProgrammesOrderBySourceThenStartAndCompareByContent)
 {
-    FCRemoteProgram a = FullProgram(), b = FullProgram(), c = FullProgram();
-    b.m_utcStartTime += 1, b.m_title = "other";
-    EXPECT_TRUE(a < b && !(b < a));
-    b.m_programSourceId = "src-0";
-    EXPECT_TRUE(b < a);
-    c.m_shortDesc = c.m_posterType = "different", c.m_endTime = 0, c.m_isRF = false;  // presentation only
+    FCRemoteProgram a = FullProgram(), later = FullProgram(), earlierSource = FullProgram();
+    later.m_utcStartTime += 1;
+    later.m_title = "other";
+    earlierSource.m_programSourceId = "src-0";
+    EXPECT_TRUE(a < later);
+    EXPECT_FALSE(later < a);
+    EXPECT_TRUE(earlierSource < a);
+
+    FCRemoteProgram c = FullProgram();
+    c.m_shortDesc = "different";  // presentation only
+    c.m_posterType = "different";
+    c.m_endTime = 0;
+    c.m_isRF = false;
     EXPECT_EQ(a, c);
     c.m_desc = "different";
     EXPECT_NE(a, c);
+}
 
+TEST(RemoteRecords, ChannelKeysOrderByActivityThenTextAndRequestsByAllThree)
+{
     FCRemoteChannelKey low, high;
-    low.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID, high.m_channelNumber = "1";
+    low.m_activityID = REMOTE_CONTENT_ACTIVITY_INVALID;
+    high.m_channelNumber = "1";
     EXPECT_TRUE(low < high);  // activity first, signed
-    low.m_activityID = high.m_activityID, low.m_channelNumber = "1", low.m_major = "5", high.m_major = "50";
-    EXPECT_TRUE(low < high && !(high < low) && !(low < low));  // a prefix is smaller
+    low.m_activityID = high.m_activityID;
+    low.m_channelNumber = "1";
+    low.m_major = "5";
+    high.m_major = "50";
+    EXPECT_TRUE(low < high);  // a prefix is smaller
+    EXPECT_FALSE(high < low);
+    EXPECT_FALSE(low < low);
+
     FCAdditionalProgramRequest r1("a", 10, 5), r2("a", 10, 6), r3("a", 9, 100);
-    EXPECT_TRUE(r1 < r2 && r3 < r1);
+    EXPECT_TRUE(r1 < r2);
+    EXPECT_TRUE(r3 < r1);
 }
 
 TEST(ServerResponse, VODProvidersKeyedByStringLaterElementWins)
@@ -561,71 +793,232 @@ TEST(ServerResponse, VODProvidersKeyedByStringLaterElementWins)
         {"string":"netflix","name":"second","provider id":"p","logo":"l","widget id":"w2","version":"1"}]})");
     CKelvoResponse_VODProviders providers;
     providers.m_providers["other"].m_name = "kept";
-    ASSERT_TRUE(CKelvoResponse_VODProviders::FromJson(json, providers) &&
-                CKelvoResponse_VODProviders::ToJson(providers, out));
+    ASSERT_TRUE(CKelvoResponse_VODProviders::FromJson(json, providers));
+    ASSERT_TRUE(CKelvoResponse_VODProviders::ToJson(providers, out));
     ASSERT_EQ(providers.m_providers.size(), 2u);
     EXPECT_EQ(out["out_vod_providers"][0], json["out_vod_providers"][1]);
 }
 
-TEST(MBRChannel, DefaultsFavouritesEqualityOrderAndRestore)
+TEST(MBRChannel, DefaultsOnTheWire)
 {
-    FakeDlog::Clear();
     FCMBRNetworkChannel c;
     FCMBRNetworkProgram program;
     Json::Value json, programJson;
-    EXPECT_TRUE(c.SetFavorite(FCMBRNetworkChannel::FAVORITE_5, true));
     FCMBRNetworkChannel::MBRNetworkChannelToJson(c, json);
     FCMBRNetworkProgram::MBRNetworkProgramToJson(program, programJson);
     EXPECT_EQ(
-        FCJsonHelper::WriteCompact(json) + FCJsonHelper::WriteCompact(programJson),
-        R"({"bit set":"10000","m_acRank":0,"m_activityID":6,"m_bDigital":true,"m_channelID":-1,"m_major":-1,"m_minor":0,)"
-        R"("m_name":"","m_originMajor":-1,"m_originName":"","m_remembered":false,"m_str_icon_url":"","m_str_url_index":""})"
-        R"({"m_channelID":-1,"m_duration":-1,"m_programID":"","m_startTime":18446744073709551615,"m_title":""})");
-    EXPECT_TRUE(c.GetFavorite(FCMBRNetworkChannel::FAVORITE_5) && !c.GetFavorite(FCMBRNetworkChannel::FAVORITE_1));
-    EXPECT_FALSE(c.SetFavorite(FCMBRNetworkChannel::EFavorite(5), true) ||
-                 c.GetFavorite(FCMBRNetworkChannel::EFavorite(7)));
-    EXPECT_TRUE(FakeDlog::Contains("favorite < MBR_NETWORKCHANNEL_FAVORITE_MAX") &&
-                FakeDlog::Contains("ASSERT!, Func:SetFavorite"));
-    json["bit set"] = "10x01";
-    EXPECT_THROW(FCMBRNetworkChannel::JsonToMBRNetworkChannel(json, c), std::invalid_argument);
-
-    FCMBRNetworkChannel a = MakeChannel(5, 1, 9), b = MakeChannel(5, 1, 9);
-    b.SetRemembered(true), b.SetActivityID(2), b.SetacRank(8);  // outside equality
-    EXPECT_EQ(a, b);
-    b.SetDigitalFlag(false);
-    EXPECT_NE(a, b);
-    EXPECT_TRUE(MakeChannel(5, 1, 9) < MakeChannel(5, 2, 0) && MakeChannel(5, 1, 1) < MakeChannel(5, 1, 2) && !(a < a));
-    std::string origin = "Origin", edited = "Edited";
-    a.SetOriginName(origin), a.SetName(edited), a.SetMajor(77);
-    EXPECT_TRUE(a.Restore());
-    EXPECT_EQ(std::to_string(a.GetMajor()) + a.GetName(), "5Origin");
+        FCJsonHelper::WriteCompact(json),
+        R"({"bit set":"00000","m_acRank":0,"m_activityID":6,"m_bDigital":true,"m_channelID":-1,"m_major":-1,"m_minor":0,)"
+        R"("m_name":"","m_originMajor":-1,"m_originName":"","m_remembered":false,"m_str_icon_url":"","m_str_url_index":""})");
+    EXPECT_EQ(FCJsonHelper::WriteCompact(programJson),
+              R"({"m_channelID":-1,"m_duration":-1,"m_programID":"","m_startTime":18446744073709551615,"m_title":""})");
 }
 
-TEST(MBRTables, ChannelLookupsMergeSortAndMaximum)
+TEST(MBRChannel, FavouriteListsZeroToFourAreBitsOfTheText)
 {
-    FakeDlog::Clear();
-    FCMBRNetworkChannelTable table;
+    const struct {
+        int list;
+        bool accepted;
+        const char *bits;  // the "bit set" text after setting the list on a fresh channel
+        bool asserted;
+    } cases[] = {
+        {0, true, "00001", false}, {2, true, "00100", false}, {4, true, "10000", false},
+        {5, false, "00000", true}, {7, false, "00000", true}, {-1, false, "00000", false},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.list);
+        FakeDlog::Clear();
+        FCMBRNetworkChannel channel;
+        const auto list = static_cast<FCMBRNetworkChannel::EFavorite>(c.list);
+        EXPECT_EQ(channel.SetFavorite(list, true), c.accepted);
+        EXPECT_EQ(channel.GetFavoriteBitSet().to_string(), c.bits);
+        EXPECT_EQ(channel.GetFavorite(list), c.accepted);
+        EXPECT_EQ(FakeDlog::Contains("favorite < MBR_NETWORKCHANNEL_FAVORITE_MAX"), c.asserted);
+        EXPECT_EQ(FakeDlog::Contains("ASSERT!, Func:SetFavorite"), c.asserted);
+        EXPECT_EQ(FakeDlog::Contains("ASSERT!, Func:GetFavorite"), c.asserted);
+    }
+    Json::Value json;
+    FCMBRNetworkChannel c;
+    FCMBRNetworkChannel::MBRNetworkChannelToJson(c, json);
+    json["bit set"] = "10x01";
+    EXPECT_THROW(FCMBRNetworkChannel::JsonToMBRNetworkChannel(json, c), std::invalid_argument);
+}
+
+// Remembered flag, activity, rank and the two addresses are outside equality; every other field
+// is inside it.
+TEST(MBRChannel, EqualityComparesTheChannelNotItsPlaceInTheList)
+{
+    using Edit = std::function<void(FCMBRNetworkChannel &)>;
+    static std::string other = "other";
+    const struct {
+        const char *what;
+        Edit edit;
+        bool equal;
+    } cases[] = {
+        {"a copy", [](FCMBRNetworkChannel &) {}, true},
+        {"remembered", [](FCMBRNetworkChannel &c) { c.SetRemembered(false); }, true},
+        {"activity", [](FCMBRNetworkChannel &c) { c.SetActivityID(6); }, true},
+        {"rank", [](FCMBRNetworkChannel &c) { c.SetacRank(0); }, true},
+        {"icon", [](FCMBRNetworkChannel &c) { c.SetIconUrl(other); }, true},
+        {"url index", [](FCMBRNetworkChannel &c) { c.SetUrlIndex(other); }, true},
+        {"major", [](FCMBRNetworkChannel &c) { c.SetMajor(12); }, false},
+        {"origin major", [](FCMBRNetworkChannel &c) { c.SetOriginMajor(11); }, false},
+        {"minor", [](FCMBRNetworkChannel &c) { c.SetMinor(4); }, false},
+        {"name", [](FCMBRNetworkChannel &c) { c.SetName(other); }, false},
+        {"origin name", [](FCMBRNetworkChannel &c) { c.SetOriginName(other); }, false},
+        {"channel id",
+         [](FCMBRNetworkChannel &c) {
+             int id = 5;
+             c.SetChannelID(id);
+         },
+         false},
+        {"favourites", [](FCMBRNetworkChannel &c) { c.SetFavorite(FCMBRNetworkChannel::FAVORITE_2, true); }, false},
+        {"digital", [](FCMBRNetworkChannel &c) { c.SetDigitalFlag(true); }, false},
+    };
+    const FCMBRNetworkChannel original = FullMbrChannel();
+    for (const auto &c : cases) {
+        FCMBRNetworkChannel edited = original;
+        c.edit(edited);
+        EXPECT_EQ(edited == original, c.equal) << c.what;
+        EXPECT_EQ(edited != original, !c.equal) << c.what;
+    }
+}
+
+TEST(MBRChannel, OrderIsMajorThenMinorThenChannelIdSigned)
+{
+    const struct {
+        int a[3], b[3];  // major, minor, channel id
+        bool less;
+    } cases[] = {
+        {{5, 1, 9}, {5, 2, 0}, true},  {{5, 2, 0}, {5, 1, 9}, false}, {{5, 1, 1}, {5, 1, 2}, true},
+        {{4, 9, 9}, {5, 0, 0}, true},  {{5, 0, 0}, {4, 9, 9}, false}, {{-1, 0, 0}, {0, 0, 0}, true},
+        {{5, 1, 9}, {5, 1, 9}, false},
+    };
+    for (const auto &c : cases) {
+        // The origin majors run against the majors, so an order by origin would come out reversed.
+        FCMBRNetworkChannel a = MakeChannel(c.a[0], 10 - c.a[0], c.a[1], c.a[2]);
+        FCMBRNetworkChannel b = MakeChannel(c.b[0], 10 - c.b[0], c.b[1], c.b[2]);
+        EXPECT_EQ(a < b, c.less) << c.a[0] << "-" << c.a[1] << "/" << c.a[2] << " < " << c.b[0] << "-" << c.b[1] << "/"
+                                 << c.b[2];
+    }
+}
+
+TEST(MBRChannel, RestoreTakesBackTheEditedNumberAndName)
+{
+    FCMBRNetworkChannel c = FullMbrChannel();
+    std::string edited = "Edited again";
+    c.SetMajor(77);
+    c.SetName(edited);
+    EXPECT_TRUE(c.Restore());
+    EXPECT_EQ(c.GetMajor(), 12);
+    EXPECT_EQ(c.GetName(), "Origin");
+    EXPECT_EQ(c.GetOriginMajor(), 12);
+    EXPECT_EQ(c.GetOriginName(), "Origin");
+}
+
+// Channels 20 share their id; the edited numbers of some equal the origin numbers of others, so
+// a lookup that reads one number for the other finds a different channel or none.
+class MBRChannelTable : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (auto c :
+             {MakeChannel(1, 11, 1, 10), MakeChannel(5, 3, 0, 20), MakeChannel(3, 9, 9, 30), MakeChannel(3, 5, 9, 20)})
+            m_table.AppendNetworkChannel(c);
+    }
+
+    // Names of the channels in list order.
+    std::vector<std::string> Names() const
+    {
+        std::vector<std::string> names;
+        for (const auto &c : m_table.m_mbrNetworkChannelDB)
+            names.push_back(c.GetName());
+        return names;
+    }
+
+    FCMBRNetworkChannelTable m_table;
+};
+
+TEST_F(MBRChannelTable, LookupsFindTheFirstMatchOrLeaveTheOutputAlone)
+{
+    using Find = std::function<bool(FCMBRNetworkChannelTable &, FCMBRNetworkChannel &)>;
+    const struct {
+        const char *what;
+        Find find;
+        const char *found;  // the name of the channel handed out, null for none
+        int major;          // its major
+    } cases[] = {
+        {"major-minor 3-9: the first of two",
+         [](auto &t, auto &o) { return t.FindNetworkChannelbyMajorMinor(3, 9, o); }, "ch30", 3},
+        {"major-minor 0-5: numbers not swapped",
+         [](auto &t, auto &o) { return t.FindNetworkChannelbyMajorMinor(0, 5, o); }, nullptr, 0},
+        {"major-minor 11-1: the current major, not the origin",
+         [](auto &t, auto &o) { return t.FindNetworkChannelbyMajorMinor(11, 1, o); }, nullptr, 0},
+        {"id 20: the first of two", [](auto &t, auto &o) { return t.FindNetworkChannelbyChannelID(20, o); }, "ch20", 5},
+        {"id 99", [](auto &t, auto &o) { return t.FindNetworkChannelbyChannelID(99, o); }, nullptr, 0},
+        {"id 20, origin 3", [](auto &t, auto &o) { return t.FindNetworkChannelByChannelIDOriginMajor(20, 3, o); },
+         "ch20", 5},
+        {"id 20, origin 5", [](auto &t, auto &o) { return t.FindNetworkChannelByChannelIDOriginMajor(20, 5, o); },
+         "ch20", 3},
+        {"id 30, origin 3: its current major",
+         [](auto &t, auto &o) { return t.FindNetworkChannelByChannelIDOriginMajor(30, 3, o); }, nullptr, 0},
+        {"id 11, origin 10: numbers not swapped",
+         [](auto &t, auto &o) { return t.FindNetworkChannelByChannelIDOriginMajor(11, 10, o); }, nullptr, 0},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        FCMBRNetworkChannel out = MakeChannel(0, 0, 0, 0);
+        EXPECT_EQ(c.find(m_table, out), c.found != nullptr);
+        EXPECT_EQ(out.GetName(), c.found != nullptr ? c.found : "ch0");
+        EXPECT_EQ(out.GetMajor(), c.major);
+    }
+}
+
+TEST_F(MBRChannelTable, MaximaAreOfTheCurrentNumbersEachOnItsOwn)
+{
     int major = -5, minor = -5;
-    EXPECT_FALSE(table.GetMaxNumberOfMajorMinor(major, minor));
-    EXPECT_EQ(major * 100 + minor, 0);
+    EXPECT_TRUE(m_table.GetMaxNumberOfMajorMinor(major, minor));
+    EXPECT_EQ(major, 5);
+    EXPECT_EQ(minor, 9);
+
+    FakeDlog::Clear();
+    FCMBRNetworkChannelTable empty;
+    major = minor = -5;
+    EXPECT_FALSE(empty.GetMaxNumberOfMajorMinor(major, minor));
+    EXPECT_EQ(major, 0);
+    EXPECT_EQ(minor, 0);
     ASSERT_EQ(FakeDlog::Lines().size(), 1u);
     EXPECT_EQ(FakeDlog::Lines()[0].logId, LOG_ID_MAIN);
     EXPECT_NE(FakeDlog::Lines()[0].text.find(
                   "FCMBRNetworkChannelDB::GetMaxNumberOfMajorMinor(), m_mbrNetworkChannelDB is empty!"),
               std::string::npos);
-    for (auto c : {MakeChannel(1, 1, 10), MakeChannel(5, 0, 20), MakeChannel(3, 9, 30)})
-        table.AppendNetworkChannel(c);
-    EXPECT_TRUE(table.GetMaxNumberOfMajorMinor(major, minor));
-    EXPECT_EQ(major * 100 + minor, 509);
-    FCMBRNetworkChannel found = MakeChannel(0, 0);
-    EXPECT_TRUE(table.FindNetworkChannelbyMajorMinor(3, 9, found) && found.GetChannelID() == 30);
-    EXPECT_TRUE(table.FindNetworkChannelbyChannelID(20, found) &&
-                !table.FindNetworkChannelByChannelIDOriginMajor(20, 3, found));
-    EXPECT_EQ(found.GetMajor(), 5);  // the last hit, unchanged by the miss
-    table.Merge(table);
-    table.Sort();
-    ASSERT_EQ(table.m_mbrNetworkChannelDB.size(), 6u);
-    EXPECT_EQ(table.m_mbrNetworkChannelDB.front().GetMajor() * 10 + table.m_mbrNetworkChannelDB.back().GetMajor(), 15);
+}
+
+TEST_F(MBRChannelTable, MergeAppendsDuplicatesAndSortIsStable)
+{
+    EXPECT_TRUE(m_table.Merge(m_table));
+    EXPECT_EQ(Names(), (std::vector<std::string>{"ch10", "ch20", "ch30", "ch20", "ch10", "ch20", "ch30", "ch20"}));
+    m_table.Sort();
+    std::vector<std::pair<int, int>> order;  // (major, origin major)
+    for (const auto &c : m_table.m_mbrNetworkChannelDB)
+        order.emplace_back(c.GetMajor(), c.GetOriginMajor());
+    EXPECT_EQ(order,
+              (std::vector<std::pair<int, int>>{{1, 11}, {1, 11}, {3, 5}, {3, 5}, {3, 9}, {3, 9}, {5, 3}, {5, 3}}));
+}
+
+// "[%d][%d]" holds the process, then the thread; they differ only on a thread of its own.
+TEST(MBRTables, NumberedLogLinesNameTheProcessThenTheThread)
+{
+    FakeDlog::Clear();
+    long thread = 0;
+    std::thread([&thread] {
+        thread = syscall(SYS_gettid);
+        int major = 0, minor = 0;
+        FCMBRNetworkChannelTable().GetMaxNumberOfMajorMinor(major, minor);
+    }).join();
+    ASSERT_EQ(FakeDlog::Lines().size(), 1u);
+    const std::string numbers = "> [" + std::to_string(getpid()) + "][" + std::to_string(thread) + "]FCMBR";
+    EXPECT_NE(FakeDlog::Lines()[0].text.find(numbers), std::string::npos) << FakeDlog::Lines()[0].text;
 }
 
 TEST(MBRTables, ProgrammeIntervalSearchAndFirstStartTimeWins)
@@ -633,17 +1026,20 @@ TEST(MBRTables, ProgrammeIntervalSearchAndFirstStartTimeWins)
     FCMBRNetworkProgramTable table, other;
     FCMBRNetworkProgram first = MakeProgram(1000, 60, "first"), second = MakeProgram(1000, 600, "second"),
                         later = MakeProgram(2000, 60, "later"), found;
-    table.AppendNetworkProgram(first), table.AppendNetworkProgram(second);
+    table.AppendNetworkProgram(first);
+    table.AppendNetworkProgram(second);
     for (unsigned long start : {999UL, 1000UL, 1059UL, 1060UL}) {
         const bool inside = start == 1000 || start == 1059;
         found = MakeProgram(0, 0, "none");
         EXPECT_EQ(table.FindNetworkProgrambyStartTime(start, found), inside) << start;
         EXPECT_EQ(found.GetTitle(), inside ? "first" : "none") << start;
     }
-    other.AppendNetworkProgram(second), other.AppendNetworkProgram(later);
+    other.AppendNetworkProgram(second);
+    other.AppendNetworkProgram(later);
     table.Merge(other);
     ASSERT_EQ(table.m_mbrNetworkProgramDB.size(), 2u);
     EXPECT_EQ(table.m_mbrNetworkProgramDB.at(1000).GetTitle(), "first");
+    EXPECT_EQ(table.m_mbrNetworkProgramDB.at(2000).GetTitle(), "later");
 }
 
 TEST(MBRChannel, ConvertEndianSwapsPairsUpToTerminatorOrLength)
@@ -664,7 +1060,6 @@ TEST(MBRChannel, ConvertEndianSwapsPairsUpToTerminatorOrLength)
         EXPECT_EQ(std::vector<unsigned char>(dst.begin(), dst.begin() + c.dst.size()), c.dst);
     }
     unsigned char some[4] = {1, 2, 3, 4};
-    EXPECT_EQ(FCMBRNetworkChannel::m_ConvertEndian(nullptr, some, 4) +
-                  FCMBRNetworkChannel::m_ConvertEndian(some, nullptr, 4),
-              2);
+    EXPECT_EQ(FCMBRNetworkChannel::m_ConvertEndian(nullptr, some, 4), 1);
+    EXPECT_EQ(FCMBRNetworkChannel::m_ConvertEndian(some, nullptr, 4), 1);
 }

@@ -398,20 +398,24 @@ TEST_F(ProxyWireTest, LocalOperationsEnvironmentTextNotificationsAndEntryLines)
 {
     // The guide is always active on the daemon's side and operator contents are refused: no call.
     std::string in = "{}", out, env = "ignored by the call", note = R"({"file":"/tmp/p.png"})";
-    EXPECT_TRUE(g_mso.ActivateProgramGuide(kMain) && g_mso.ActivateProgramGuide(in, out));
-    EXPECT_TRUE(g_mso.DeactivateProgramGuide(kSub) && g_mso.DeactivateProgramGuide(in, out));
+    EXPECT_TRUE(g_mso.ActivateProgramGuide(kMain));
+    EXPECT_TRUE(g_mso.ActivateProgramGuide(in, out));
+    EXPECT_TRUE(g_mso.DeactivateProgramGuide(kSub));
+    EXPECT_TRUE(g_mso.DeactivateProgramGuide(in, out));
     EXPECT_FALSE(g_mso.SetMVPDContents(in, out));
     // The environment's string form sends nothing and hands the reply back in its argument.
     s_bus->SetScript("GetRemoteContentEnv", Reply(R"({"ret":true,"country":"DE"})"));
     EXPECT_TRUE(g_content.GetRemoteContentEnv(env));
     EXPECT_EQ(env, R"({"ret":true,"country":"DE"})");
-    EXPECT_TRUE(g_content.NotifyPreviewDownloaderFinish(note) && g_content.NotifyDVRContentUpdate());
+    EXPECT_TRUE(g_content.NotifyPreviewDownloaderFinish(note));
+    EXPECT_TRUE(g_content.NotifyDVRContentUpdate());
     EXPECT_EQ(s_bus->Records(), (KelvoTestBus::RecordList{{"GetRemoteContentEnv", ""},
                                                           {"NotifyPreviewDownloaderFinish", note},
                                                           {"NotifyDVRContentUpdate", ""}}));
     s_bus->SetScript("NotifyDVRContentUpdate", Reply(R"({"ret":false})"));
     s_bus->SetScript("NotifyPreviewDownloaderFinish", R"({"error":"org.freedesktop.DBus.Error.Failed"})");
-    EXPECT_FALSE(g_content.NotifyDVRContentUpdate() || g_content.NotifyPreviewDownloaderFinish(note));
+    EXPECT_FALSE(g_content.NotifyDVRContentUpdate());
+    EXPECT_FALSE(g_content.NotifyPreviewDownloaderFinish(note));
 
     unsigned long long id = 0;
     g_finder.GetTCServiceIdByProgramSourceID(kMain, "S1", id);

@@ -74,7 +74,8 @@ extern "C" KelvoCallResult *Call(const char *method, const char *argument)
         if (queued.empty())
             return s.standing.count(name) ? s.standing[name] : FakeCall::Answer::Null();
         const FakeCall::Answer next = queued.front();
-        return queued.pop_front(), next;
+        queued.pop_front();
+        return next;
     });
     if (answer.kind == FakeCall::Answer::NullResult)
         return nullptr;

@@ -16,12 +16,13 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-// The tags a service may hold (see TVServiceDataStore.h), 0 meaning "not held".
-TCStoredService Service(const char *name, long long id, long long rf, long long chmap, long long minor = 1)
+// The tags a service may hold (see TVServiceDataStore.h), 0 meaning "not held". Type, source,
+// major and minor differ, so that a tag read from another's column shows.
+TCStoredService Service(const char *name, long long id, long long rf, long long chmap, long long minor = 3)
 {
     TCStoredService s;
     s.name = name;
-    s.tags = {{1, 1}, {2, 1}, {12, id}, {13, 7}, {17, chmap}};
+    s.tags = {{1, 1}, {2, 4}, {12, id}, {13, 7}, {17, chmap}};
     if (rf >= 0)
         s.tags[9] = rf;
     if (minor > 0)
@@ -31,22 +32,28 @@ TCStoredService Service(const char *name, long long id, long long rf, long long 
 
 struct Found {
     int result;
-    std::vector<long long> ids;                 // tag 12 of each returned service, in order
-    std::vector<std::vector<int>> heldFetched;  // which fetched tags each one holds
+    std::vector<long long> ids;                    // tag 12 of each returned service, in order
+    std::vector<std::vector<int>> heldFetched;     // which fetched tags each one holds
+    std::vector<std::map<int, long long>> values;  // and their values
 };
 
 Found Query(const TCCriteriaHelper &criteria)
 {
     IService *service = TVServiceAPI::CreateService();
     std::list<TCServiceData *> list;
-    Found found{service->FindServiceList(criteria, list), {}, {}};
+    Found found{service->FindServiceList(criteria, list), {}, {}, {}};
     TVServiceAPI::Destroy(service);
     for (TCServiceData *data : list) {
         std::vector<int> held;
-        for (int tag = 0; tag < 32; ++tag)
-            if (data->Has(tag))
+        std::map<int, long long> values;
+        for (int tag = 0; tag < 32; ++tag) {
+            if (data->Has(tag)) {
                 held.push_back(tag);
+                values[tag] = data->Get(tag);
+            }
+        }
         found.heldFetched.push_back(held);
+        found.values.push_back(values);
         found.ids.push_back(data->Has(12) ? data->Get(12) : -1);
         delete data;
     }
@@ -118,6 +125,8 @@ TEST_F(ServiceQuery, OnlyFetchedTagsTravel)
     ASSERT_EQ(found.heldFetched.size(), 3u);
     EXPECT_THAT(found.heldFetched[0], ElementsAre(1, 2, 12, 13, 14));
     EXPECT_THAT(found.heldFetched[1], ElementsAre(1, 2, 12, 13)) << "the analogue service holds no minor";
+    for (const auto &[tag, value] : std::map<int, long long>{{1, 1}, {2, 4}, {12, 101}, {13, 7}, {14, 3}})
+        EXPECT_EQ(found.values[0][tag], value) << "tag " << tag;
 
     TCCriteriaHelper nothingFetched;
     nothingFetched.Where(12, 101);
@@ -168,14 +177,24 @@ TEST_F(ServiceQuery, ChannelMapDumpHoldsTheMappedServicesInMapOrder)
     sqlite3 *db = nullptr;
     ASSERT_EQ(sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
     sqlite3_stmt *stmt = nullptr;
-    ASSERT_EQ(sqlite3_prepare_v2(db, "SELECT service_id FROM chmap ORDER BY chmap_index", -1, &stmt, nullptr),
-              SQLITE_OK);
-    std::vector<long long> ids;
-    while (sqlite3_step(stmt) == SQLITE_ROW)
-        ids.push_back(sqlite3_column_int64(stmt, 0));
+    // Each row's service id, major, minor, type and source, as the command-line client shows them.
+    ASSERT_EQ(
+        sqlite3_prepare_v2(db, "SELECT service_id, major, minor, service_type, source FROM chmap ORDER BY chmap_index",
+                           -1, &stmt, nullptr),
+        SQLITE_OK);
+    std::vector<std::string> rows;
+    while (sqlite3_step(stmt) == SQLITE_ROW) {
+        std::string row;
+        for (int column = 0; column < 5; ++column) {
+            const unsigned char *text = sqlite3_column_text(stmt, column);
+            row += (column > 0 ? "|" : "") + std::string(text != nullptr ? reinterpret_cast<const char *>(text) : "");
+        }
+        rows.push_back(row);
+    }
     sqlite3_finalize(stmt);
     sqlite3_close(db);
-    EXPECT_THAT(ids, ElementsAre(101, 103, 104, 105, static_cast<long long>(0x9000000000000105ull)));
+    EXPECT_THAT(rows, ElementsAre("101|7|3|1|4", "103|7|3|1|4", "104|7||1|4", "105|7|3|1|4",
+                                  std::to_string(static_cast<long long>(0x9000000000000105ull)) + "|7|3|1|4"));
 }
 
 namespace {

@@ -80,7 +80,8 @@ TEST(DbQueryHelper, ColumnNamesAndTheTypeCheckOfValues)
             }
         }
     }
-    EXPECT_EQ(Q().GetColumnName(static_cast<Q::EColumn>(14)) + Q().GetColumnName(static_cast<Q::EColumn>(15)), "");
+    EXPECT_EQ(Q().GetColumnName(static_cast<Q::EColumn>(14)), "");
+    EXPECT_EQ(Q().GetColumnName(static_cast<Q::EColumn>(15)), "");
 }
 
 // Fields and values keep their order, repeats included; each text is logged at debug priority.

@@ -66,8 +66,13 @@ std::vector<std::string> LoggedFailures(const std::vector<std::string> &prefixes
 TCProgramData MakeEvent(const std::u16string &title, const std::u16string &text, unsigned int language)
 {
     TCProgramData event;
-    event.SetServiceId(0x1122334455667788ULL), event.SetEventId(4711), event.SetStartTime(1700000000U);
-    event.SetDuration(3600U), event.SetLanguage(language), event.SetTitle(title), event.SetExtendedText(text);
+    event.SetServiceId(0x1122334455667788ULL);
+    event.SetEventId(4711);
+    event.SetStartTime(1700000000U);
+    event.SetDuration(3600U);
+    event.SetLanguage(language);
+    event.SetTitle(title);
+    event.SetExtendedText(text);
     return event;
 }
 
@@ -81,10 +86,16 @@ KelvoUtilProgramData RfRow(const std::string &title, const std::u16string &text,
 KelvoUtilProgramData MetaRow(const std::string &title, const std::string &desc, int activity)
 {
     FCRemoteProgram program;
-    program.m_activityID = static_cast<eRemoteContentActivity>(activity), program.m_programSourceId = "src'1";
-    program.m_programId = "prog-9", program.m_lang = "eng", program.m_utcStartTime = 1700003600UL,
+    program.m_activityID = static_cast<eRemoteContentActivity>(activity);
+    program.m_programSourceId = "src'1";
+    program.m_programId = "prog-9";
+    program.m_lang = "eng";
+    program.m_utcStartTime = 1700003600UL;
     program.m_duration = 1800;
-    program.m_title = title, program.m_desc = desc, program.m_shortDesc = "short", program.m_startTime = "not used";
+    program.m_title = title;
+    program.m_desc = desc;
+    program.m_shortDesc = "short";
+    program.m_startTime = "not used";
     return KelvoUtilProgramData(program, 42ULL);
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "UtilTestSupport.h"
+#include "dlog.h"
 
 int KelvoUtilMain();
 
@@ -71,4 +72,23 @@ INSTANTIATE_TEST_SUITE_P(
                  {kStart, kAttached, "kelvo-util 555 .....", "EResultType : [1], [ChannelMap Dump Success]", kEnd}},
         MainCase{"DumpFailsSilently", Stick::DumpOnly, 0, {kStart, kAttached, kEnd}}),
     ByName());
+
+// Log readers on the set look for the utility's lines in the system buffer at warning priority.
+using MainLog = UtilTest;
+
+TEST_F(MainLog, EveryLineOfARunGoesToTheSystemBufferAtWarningPriority)
+{
+    FakeUsb::SetDevices({{m_stick.Path(), "/dev/sda1"}});
+    FakeTvs::SetServices({{{12, 1001}, {13, 7}, {14, 3}, {1, 1}}});
+    FakeTvs::SetGuide(1001, {{5}, {}});
+    KelvoUtilMain();
+    const std::vector<DlogLine> lines = FakeDlog::Lines();
+    ASSERT_GT(lines.size(), 20u);
+    for (const DlogLine &line : lines) {
+        if (line.tag != "kelvo-util")
+            continue;
+        EXPECT_EQ(line.logId, LOG_ID_SYSTEM) << line.text;
+        EXPECT_EQ(line.prio, DLOG_WARN) << line.text;
+    }
+}
 }  // namespace

@@ -18,9 +18,10 @@ protected:
 
 TEST_F(ProgramExportTest, ChannelListQueryAndServiceIdsInListOrder)
 {
-    // The empty record in the middle is handed out as a null pointer.
+    // The empty record in the middle is handed out as a null pointer. Major, minor and type all
+    // differ, so that a field read for another shows in the log.
     FakeTvs::SetServices(
-        {{{12, 0x40000001}, {13, 7}, {14, 1}, {1, 1}}, {}, {{12, 0x40000002}, {13, 11}, {14, 2}, {1, 2}}});
+        {{{12, 0x40000001}, {13, 7}, {14, 3}, {1, 1}}, {}, {{12, 0x40000002}, {13, 11}, {14, 4}, {1, 2}}});
     std::list<unsigned long long> ids = {99};
     m_handler.GetServiceIDFromChannelList(ids);
 
@@ -32,8 +33,8 @@ TEST_F(ProgramExportTest, ChannelListQueryAndServiceIdsInListOrder)
         conditions.push_back(std::to_string(c.field) + (c.negated ? " != " : " == ") + std::to_string(c.value));
     EXPECT_THAT(conditions, ElementsAre("17 != -1", "9 == 1"));
     EXPECT_THAT(criteria.FetchedFields(), ElementsAre(12, 13, 14, 1, 2));
-    EXPECT_THAT(UtilLog(), ElementsAre("RF channels size : 3 ", "service Id: 1073741825 No:7-1 ,type:1",
-                                       "service Id: 1073741826 No:11-2 ,type:2"));
+    EXPECT_THAT(UtilLog(), ElementsAre("RF channels size : 3 ", "service Id: 1073741825 No:7-3 ,type:1",
+                                       "service Id: 1073741826 No:11-4 ,type:2"));
 }
 
 struct GuideCase {
@@ -103,8 +104,16 @@ TEST_F(ProgramExportTest, MetaRowsUnderTheMatchedServiceOrAllOnes)
 
     std::vector<std::string> rows;
     for (const KelvoUtilProgramData &row : RecordedDb::rows)
-        rows.push_back(std::to_string(row.ServiceId()) + " " + row.MetaProgramId());
-    EXPECT_THAT(rows, ElementsAre("1001 P1", "1001 P2", "18446744073709551615 P3"));
+        rows.push_back(std::to_string(row.ServiceId()) + " " + row.ProgramSourceId() + " " + row.MetaProgramId());
+    EXPECT_THAT(rows, ElementsAre("1001 S1 P1", "1001 S1 P2", "18446744073709551615 S2 P3"));
+    // The main activity, every source, from now for one day.
+    EXPECT_THAT(FakeCall::Arguments("GetFullProgramSourceIdList"), ElementsAre(R"({"activityID":0})"));
+    EXPECT_THAT(FakeCall::Arguments("GetProgramMap"),
+                ElementsAre(R"({"activityID":0,"duration":86400,"genre id list":"","sourceIDArray":["S2","S1"],)"
+                            R"("utc start time":1700000000})"));
+    EXPECT_THAT(
+        FakeCall::Arguments("GetTCServiceIdByProgramSourceID"),
+        ElementsAre(R"({"activityID":0,"program source id":"S1"})", R"({"activityID":0,"program source id":"S2"})"));
     EXPECT_THAT(UtilLog(),
                 ElementsAre("Start to Backup ProgramData of Meta", "UTC Current Time = 1700000000", "source Id size:2",
                             "Meta Programs by source Id size : 2 ", "source Id : S1 , tvsServiceId:1001",
