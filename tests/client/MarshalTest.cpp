@@ -613,7 +613,7 @@ TEST(MBRTables, ChannelLookupsMergeSortAndMaximum)
     EXPECT_NE(FakeDlog::Lines()[0].text.find(
                   "FCMBRNetworkChannelDB::GetMaxNumberOfMajorMinor(), m_mbrNetworkChannelDB is empty!"),
               std::string::npos);
-    for (auto c : {MakeChannel(1, 1, 10), MakeChannel(5, 0, 20), MakeChannel(3, 9, 30)})
+    for (const auto &c : {MakeChannel(1, 1, 10), MakeChannel(5, 0, 20), MakeChannel(3, 9, 30)})
         table.AppendNetworkChannel(c);
     EXPECT_TRUE(table.GetMaxNumberOfMajorMinor(major, minor));
     EXPECT_EQ(major * 100 + minor, 509);
