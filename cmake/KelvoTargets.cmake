@@ -1,6 +1,6 @@
 # Warnings for the project's own code; third-party headers come in as SYSTEM includes.
 function(kelvo_warnings target)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Werror)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wformat=2 -Werror)
 endfunction()
 
 # Sources of every subfolder below DIR, picked up as they are added.

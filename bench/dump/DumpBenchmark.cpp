@@ -57,6 +57,7 @@ std::string g_work;
 [[noreturn]] void ExecChild(const std::vector<std::string> &argv)
 {
     std::vector<char *> args;
+    args.reserve(argv.size() + 1);
     for (const auto &a : argv)
         args.push_back(const_cast<char *>(a.c_str()));
     args.push_back(nullptr);

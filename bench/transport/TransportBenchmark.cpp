@@ -98,7 +98,7 @@ double PairedCallRatio(int pairs, double &proxyMedian, double &bareMedian)
         bare.push_back(std::chrono::duration<double>(t2 - t1).count());
     }
     auto median = [](std::vector<double> &v) {
-        std::nth_element(v.begin(), v.begin() + v.size() / 2, v.end());
+        std::nth_element(v.begin(), v.begin() + static_cast<std::ptrdiff_t>(v.size() / 2), v.end());
         return v[v.size() / 2];
     };
     proxyMedian = median(proxy);

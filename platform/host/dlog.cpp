@@ -46,7 +46,8 @@ pid_t CachedPid()
     return g_pid;
 }
 
-int Print(int prio, const char *tag, const char *fmt, va_list args)
+// Formats for dlog_print and __dlog_print, whose callers' formats the compiler has checked.
+__attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const char *fmt, va_list args)
 {
     if (prio == DLOG_SILENT)
         return 0;

@@ -445,6 +445,7 @@ TEST(ProxyLoad, EveryReplyReachesItsOwnCaller)
     bus.UseForCalls();
     std::atomic<int> failed{0}, crossed{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
             FCMatchFinder_Proxy finder;

@@ -16,7 +16,11 @@ public:
         g_calls.push_back("FindServiceList");
         g_criteria.push_back(criteria);
         for (const auto &fields : g_services) {
-            TCServiceData *data = fields.empty() ? nullptr : new TCServiceData();
+            if (fields.empty()) {
+                out.push_back(nullptr);
+                continue;
+            }
+            auto *data = new TCServiceData();
             for (const auto &field : fields)
                 data->Set(field.first, field.second);
             out.push_back(data);

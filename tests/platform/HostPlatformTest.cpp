@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(
                       UsbCase{"EmptyEntriesSkipped", "::/media/a/:", 1, "/media/a/", "a"},
                       UsbCase{"NoMountPath", "=/dev/sdd1", 1, "(null)", "/dev/sdd1"},
                       UsbCase{"BlanksKept", "/media/my stick;x", 1, "/media/my stick;x", "my stick;x"}),
-    [](const ::testing::TestParamInfo<UsbCase> &info) { return std::string(info.param.name); });
+    [](const ::testing::TestParamInfo<UsbCase> &testCase) { return std::string(testCase.param.name); });
 
 TEST(HostNotification, NoBusIsAnIoError)
 {

@@ -98,6 +98,7 @@ private:
         for (int fd = 3; fd < 256; ++fd)
             close(fd == keep ? -1 : fd);
         std::vector<char *> argv;
+        argv.reserve(args.size() + 1);
         for (const auto &a : args)
             argv.push_back(const_cast<char *>(a.c_str()));
         argv.push_back(nullptr);

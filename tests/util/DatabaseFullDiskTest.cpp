@@ -44,7 +44,7 @@ std::string MountSmallFileSystem(const std::string &folder)
     if (mkdir(folder.c_str(), 0700) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=2m") != 0)
         return std::string("mount: ") + strerror(errno);
-    if (!WriteFile(folder + "/filler", std::string(1024 * 1024, 'f')))
+    if (!WriteFile(folder + "/filler", std::string(std::size_t{1024} * 1024, 'f')))
         return "cannot write the filler";
     return "";
 }

@@ -55,6 +55,7 @@ TEST_P(ProgramExportGuide, RowsInEventOrderOrSizeZero)
     m_handler.SaveProgramInfoByServiceID(ids);
 
     std::vector<int> rows;
+    rows.reserve(RecordedDb::rows.size());
     for (const KelvoUtilProgramData &row : RecordedDb::rows)
         rows.push_back(row.EventId());
     EXPECT_EQ(rows, GetParam().rows);
@@ -103,6 +104,7 @@ TEST_F(ProgramExportTest, MetaRowsUnderTheMatchedServiceOrAllOnes)
     m_handler.BackupProgramDataOfMeta();
 
     std::vector<std::string> rows;
+    rows.reserve(RecordedDb::rows.size());
     for (const KelvoUtilProgramData &row : RecordedDb::rows)
         rows.push_back(std::to_string(row.ServiceId()) + " " + row.ProgramSourceId() + " " + row.MetaProgramId());
     EXPECT_THAT(rows, ElementsAre("1001 S1 P1", "1001 S1 P2", "18446744073709551615 S2 P3"));

@@ -92,6 +92,8 @@ extern "C" int settimeofday(const struct timeval *tv, const struct timezone *tz)
     return result;
 }
 
+// glibc names its parameters with reserved identifiers; ours keep readable names.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int clock_settime(clockid_t clock, const struct timespec *ts)
 {
     using Real = int (*)(clockid_t, const struct timespec *);

@@ -303,7 +303,7 @@ void KelvoTvGenerator::m_MakeGuide()
         unsigned int eventId = 1 + m_random.Below(60000);
         long long start = now - 600 - m_random.Below(3000);
         bool first = true;
-        while (start < now + kDay + 3 * 3600) {
+        while (start < now + kDay + 3LL * 3600) {
             long long duration = m_random.Pick(Durations());
             if (first && start + duration < now + kQuiet)
                 duration = ((now + kQuiet - start) / 900 + 1) * 900;

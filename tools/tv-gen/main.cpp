@@ -76,7 +76,7 @@ int main(int argc, char **argv)
             options.services = static_cast<int>(n);
         } else if (arg == "--seed" && Number(value, n)) {
             options.seed = static_cast<uint64_t>(n);
-        } else if (arg == "--now" && Number(value, n) && n > 86400 && n < 4000000000LL - 3 * 86400) {
+        } else if (arg == "--now" && Number(value, n) && n > 86400 && n < 4000000000LL - 3LL * 86400) {
             options.now = n;
         } else {
             std::fprintf(stderr, "kelvo-tv-gen: bad option %s %s\n", arg.c_str(), value);

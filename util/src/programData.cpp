@@ -117,7 +117,8 @@ void KelvoUtilProgramData::Unicode2Utf8(char *out, unsigned int outSize, char *i
 {
     try {
         iconv_t converter = iconv_open("UTF-8", "UTF-16BE");
-        if (converter == reinterpret_cast<iconv_t>(-1)) {
+        // iconv_open's failure value is the handle (iconv_t)-1.
+        if (converter == reinterpret_cast<iconv_t>(-1)) {  // NOLINT(performance-no-int-to-ptr)
             KELVO_UTIL_LOG("Iconv open failed");
             return;
         }

@@ -12,10 +12,12 @@ namespace {
 // Building a reader or writer costs about as much as using it on a short reply, and every remote
 // call does both; each thread keeps one of each. Both reset their state at the start of a use,
 // also after a use that ended in an exception.
+// The analyser takes a thread_local object for one that dies when the function returns, and so
+// sees each use of it after the first as a use after free.
 Json::CharReader &Reader()
 {
     thread_local const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    return *reader;
+    return *reader;  // NOLINT(clang-analyzer-cplusplus.NewDelete)
 }
 
 Json::StreamWriter &CompactWriter()
@@ -25,7 +27,7 @@ Json::StreamWriter &CompactWriter()
         builder["indentation"] = "";
         return builder.newStreamWriter();
     }());
-    return *writer;
+    return *writer;  // NOLINT(clang-analyzer-cplusplus.NewDelete): as in Reader()
 }
 
 }  // namespace

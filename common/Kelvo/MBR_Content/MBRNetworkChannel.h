@@ -54,7 +54,7 @@ public:
 
     static bool MBRNetworkChannelToJson(FCMBRNetworkChannel &channel, Json::Value &out);
     // Missing numbers or flags and a bit text of other characters than '0'/'1' raise.
-    static bool JsonToMBRNetworkChannel(const Json::Value &in, FCMBRNetworkChannel &channel);
+    static bool JsonToMBRNetworkChannel(const Json::Value &reply, FCMBRNetworkChannel &channel);
 
     bool operator<(const FCMBRNetworkChannel &other) const;
     bool operator==(const FCMBRNetworkChannel &other) const;
@@ -108,7 +108,7 @@ public:
     bool operator!=(const FCMBRNetworkProgram &other) const { return !(*this == other); }
 
     static bool MBRNetworkProgramToJson(FCMBRNetworkProgram &program, Json::Value &out);
-    static bool JsonToMBRNetworkProgram(const Json::Value &in, FCMBRNetworkProgram &program);
+    static bool JsonToMBRNetworkProgram(const Json::Value &reply, FCMBRNetworkProgram &program);
 
 private:
     unsigned long m_startTime = static_cast<unsigned long>(-1);
