@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Folders, OwnFolder,
                                            FolderCase{"LinkToTheDatabaseFolder", true, true},
                                            FolderCase{"ChannelFolder", false, false},
                                            FolderCase{"LinkToTheChannelFolder", false, true}),
-                         [](const ::testing::TestParamInfo<FolderCase> &info) { return info.param.name; });
+                         [](const ::testing::TestParamInfo<FolderCase> &c) { return c.param.name; });
 
 // A folder of the stick's own whose files are the TV's files under other names.
 TEST_F(TVServiceUtil, HardLinkedFilesAreNotCopiedOntoThemselves)

@@ -93,6 +93,6 @@ INSTANTIATE_TEST_SUITE_P(
                       KillCase{"FifthCommit", static_cast<int>(kBatch) * 5, 0},
                       KillCase{"LateBatch", static_cast<int>(kBatch) * 9 + 377, 0},
                       KillCase{"WhileClosing", static_cast<int>(kBatch) * 3 + 999, static_cast<int>(kBatch) * 3 + 999}),
-    [](const ::testing::TestParamInfo<KillCase> &info) { return info.param.name; });
+    [](const ::testing::TestParamInfo<KillCase> &c) { return c.param.name; });
 
 }  // namespace
