@@ -73,7 +73,7 @@ extern "C" KelvoCallResult *Call(const char *method, const char *argument)
         auto &queued = s.once[name];
         if (queued.empty())
             return s.standing.count(name) ? s.standing[name] : FakeCall::Answer::Null();
-        const FakeCall::Answer next = queued.front();
+        FakeCall::Answer next = queued.front();
         queued.pop_front();
         return next;
     });

@@ -10,7 +10,7 @@ namespace {
 std::mutex g_mutex;
 std::vector<DlogLine> g_lines;
 
-void Record(int logId, int prio, const char *tag, const char *fmt, va_list args)
+__attribute__((format(printf, 4, 0))) void Record(int logId, int prio, const char *tag, const char *fmt, va_list args)
 {
     va_list copy;
     va_copy(copy, args);

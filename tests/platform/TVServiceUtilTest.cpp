@@ -64,7 +64,7 @@ class OwnFolder : public TVServiceUtil, public ::testing::WithParamInterface<Fol
 protected:
     std::string Given()
     {
-        const std::string own = GetParam().databaseFolder ? m_state.Db() : ChannelFolder();
+        std::string own = GetParam().databaseFolder ? m_state.Db() : ChannelFolder();
         if (!GetParam().throughLink)
             return own;
         fs::create_directory_symlink(own, m_elsewhere + "/RestoreMWDB");

@@ -24,7 +24,7 @@ const int kRowsWhileFull = 6000;
 const int kRowsAfterSpaceReturns = 700;
 // Free space that may stay unused once rows no longer fit: what one more row and its journal
 // need, a few pages. A lost batch would leave hundreds of kilobytes.
-const unsigned long kMostFreeBytesWhenFull = 64 * 1024;
+const unsigned long kMostFreeBytesWhenFull = 64UL * 1024;
 
 bool WriteFile(const std::string &path, const std::string &text)
 {

@@ -66,7 +66,7 @@ std::string OwnFolder()
 bool ParseOptions(int argc, char **argv, KelvoSupervisorOptions &options, bool &printNames)
 {
     for (int i = 1; i < argc; ++i) {
-        std::string arg = argv[i];
+        const std::string arg = argv[i] != nullptr ? argv[i] : "";
         const char *value = i + 1 < argc ? argv[i + 1] : nullptr;
         unsigned long long n = 0;
         auto take = [&](std::string &out) {
