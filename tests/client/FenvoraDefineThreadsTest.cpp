@@ -38,6 +38,7 @@ TEST(FCAPIThreads, FirstRequestsFromManyThreadsGetOneObjectPerService)
     std::vector<std::vector<const void *>> got(kThreads, std::vector<const void *>(kServiceCount));
     std::atomic<int> starting{kThreads};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
             // All threads start together and ask in the same order, so that the first requests of

@@ -922,7 +922,7 @@ class MBRChannelTable : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        for (auto c :
+        for (const auto &c :
              {MakeChannel(1, 11, 1, 10), MakeChannel(5, 3, 0, 20), MakeChannel(3, 9, 9, 30), MakeChannel(3, 5, 9, 20)})
             m_table.AppendNetworkChannel(c);
     }

@@ -59,6 +59,7 @@ protected:
             if (fd != keep)
                 close(fd);
         std::vector<char *> argv;
+        argv.reserve(args.size() + 1);
         for (const auto &a : args)
             argv.push_back(const_cast<char *>(a.c_str()));
         argv.push_back(nullptr);
