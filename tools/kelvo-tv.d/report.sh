@@ -26,6 +26,7 @@ run_branch() {
     local log="$1/kelvo-util.log"
     if grep -q 'kelvo-util 111 \.\.\.\.\.' "$log" 2>/dev/null; then echo "no USB storage"
     elif grep -q 'Start Restore Kelvo DB' "$log" 2>/dev/null; then echo "restore"
+    elif grep -q 'RestoreMWDB\] refused' "$log" 2>/dev/null; then echo "restore (refused before it began; see the log)"
     elif grep -q 'Start Dump Kelvo DB' "$log" 2>/dev/null; then echo "dump"
     else echo "unknown (see $1/kelvo-util.log)"
     fi
