@@ -1,87 +1,25 @@
 #include "FCRemoteContentOnTV_Proxy.h"
 
-#include <tuple>
-
-#include "FCCallHelper.h"
 #include "FCDebug.h"
-#include "FCJsonHelper.h"
 #include "FCMarshal.h"
+#include "FCProxyCall.h"
 
 #define FC_PROXY_ENTRY(cls) FC_LOGD("%s: %s(%d) > DBG_LV[%d][" cls "::%s] called\n", FC_DBG_LV, __func__)
 
 namespace {
 
-// A marshal function with the caller's values, held by reference for the one call: Writes puts
-// the values into the argument, Reads fills them from the reply.
-template <bool kWrites, typename Marshal, typename... V>
-struct Codec {
-    Marshal marshal;
-    std::tuple<V &...> values;
-    void Write(Json::Value &argument) const
-    {
-        if constexpr (kWrites)
-            std::apply([&](V &...v) { marshal(v..., argument); }, values);
-    }
-    void Read(Json::Value &reply) const
-    {
-        if constexpr (!kWrites)
-            std::apply([&](V &...v) { marshal(reply, v...); }, values);
-    }
-};
+using FCProxyCall::Reads;
+using FCProxyCall::RetToJson;
+using FCProxyCall::Writes;
 
-template <typename Marshal, typename... V>
-Codec<true, Marshal, V...> Writes(Marshal marshal, V &...values)
-{
-    return {marshal, std::tie(values...)};
-}
-
-template <typename Marshal, typename... V>
-Codec<false, Marshal, V...> Reads(Marshal marshal, V &...outputs)
-{
-    return {marshal, std::tie(outputs...)};
-}
-
-// The typed form of every operation: the argument object from the Writes codecs, the call, the
-// outputs from the reply by the Reads codecs, and the reply's "ret". The outputs are read whatever
-// "ret" said (and from the empty reply of a failed call), as the daemon's callers expect partly
-// filled outputs.
 template <typename... Codecs>
 bool TypedCall(const char *method, const Codecs &...codecs)
 {
-    Json::Value argument(Json::objectValue);
-    (codecs.Write(argument), ...);
-    Json::Value reply;
-    // A failed call leaves the reply empty, except that a reply cut short keeps what jsoncpp read
-    // before the cut ({"ret":true,... would still say true); and a reply that is no object (a bare
-    // number, an array) cannot be indexed by name. Both are read as the empty reply.
-    if (!FCCallHelper::RemoteCallWithJsonArguments(method, argument, reply) || !reply.isObject())
-        reply = Json::Value();
-    (codecs.Read(reply), ...);
-    return FCJsonHelper::ReturnBoolean(reply);
+    return FCProxyCall::Typed(FCProxyCall::kShared, method, codecs...);
 }
 
-// The string form: the caller's text goes out unchanged and the reply text comes back to it.
-bool StringCall(const char *method, const std::string &in, std::string &out)
-{
-    FCCallHelper::RemoteCallWithStringArguments(method, in, out);
-    return FCJsonHelper::ParseReturnBoolean(out);
-}
-
-// Notifications: false when the call itself fails, otherwise the reply's "ret".
-bool NotifyCall(const char *method, const std::string &in)
-{
-    std::string reply;
-    if (!FCCallHelper::RemoteCallWithStringArguments(method, in, reply))
-        return false;
-    return FCJsonHelper::ParseReturnBoolean(reply);
-}
-
-// The daemon takes some flags of a request under "ret".
-bool RetToJson(const bool &flag, Json::Value &out)
-{
-    out["ret"] = flag;
-    return true;
-}
+constexpr auto StringCall = FCProxyCall::String;
+constexpr auto NotifyCall = FCProxyCall::Notify;
 
 // The overload that sends antenna and service mode apart.
 bool (*const kTVSourceAndModesToJson)(const int &, const int &, const int &,
