@@ -1,14 +1,16 @@
-// The whole dump of the reference TV scaled to 300 services: the real kelvo-util in the
-// simulated TV (tools/kelvo-tv run), timed per phase from the moments its log lines arrive, with
-// the peak RSS of the kelvo-util process. The limit is SQLite's own prepared bulk insert of the
-// same rows into the same file system, measured in the same run:
-//   RATIO dump_export = (export seconds per row) / (bulk insert seconds per row).
+// The whole dump of the reference TV made with 300, 1 000 and 3 000 services: the real kelvo-util
+// in the simulated TV (tools/kelvo-tv run), timed per phase from the moments its log lines arrive,
+// with kelvo-util's own CPU time and peak RSS as the supervisor measured them when it ended. The
+// limit is SQLite's own prepared bulk insert of the same rows into the same file system, measured
+// in the same run:
+//   RATIO dump_export = (export seconds per row) / (bulk insert seconds per row), at 300 services;
+//   RATIO dump_cpu_<N> = kelvo-util's CPU seconds (user + system) / bulk insert seconds, at N;
+//   RATIO dump_cpu_growth = CPU seconds per row at 3 000 services / at 300 (1.0 is linear).
 #include <benchmark/benchmark.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -17,9 +19,9 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "SqliteBulkInsert.h"
@@ -28,7 +30,9 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 namespace {
-const int kServices = 300;
+const int kSizes[] = {300, 1000, 3000};
+// The export ratio and the growth are taken against the smallest TV.
+const int kExportSize = kSizes[0];
 
 struct Line {
     double at;  // seconds since the run started
@@ -39,7 +43,8 @@ struct DumpRun {
     bool ok = false;
     double wall = 0;  // the whole `kelvo-tv run`: sandbox, bus, servers and kelvo-util
     std::vector<Line> lines;
-    long peakRssKb = 0;
+    double cpu = -1;  // kelvo-util's own user + system seconds
+    long peakRssKb = -1;
     int rfRows = 0;
     int metaRows = 0;
 };
@@ -49,7 +54,8 @@ struct Figures {
     double backup = 0, exportTime = 0, copy = 0, utilSpan = 0;
     double bulk = 1e9;
     int bulkRows = 0;
-} g_figures;
+};
+std::map<int, Figures> g_figures;
 
 std::string g_work;
 
@@ -75,56 +81,40 @@ int Exec(const std::vector<std::string> &argv)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-long ReadStatusKb(const std::string &pid, const char *key)
+std::string TvOf(int services)
 {
-    std::ifstream in("/proc/" + pid + "/status");
-    std::string line;
-    while (std::getline(in, line))
-        if (line.rfind(key, 0) == 0)
-            return std::atol(line.c_str() + std::strlen(key));
-    return -1;
+    return g_work + "/tv-" + std::to_string(services);
 }
 
-bool DescendsFrom(std::string pid, pid_t ancestor)
+// The usage file the supervisor writes when kelvo-util ends: "user_seconds U", "system_seconds S",
+// "max_rss_kb K".
+void ReadUsage(const std::string &path, DumpRun &run)
 {
-    for (int depth = 0; depth < 32 && pid != "0" && pid != "1"; ++depth) {
-        if (pid == std::to_string(ancestor))
-            return true;
-        long ppid = ReadStatusKb(pid, "PPid:");
-        if (ppid < 0)
-            return false;
-        pid = std::to_string(ppid);
+    std::ifstream in(path);
+    std::string key;
+    double user = -1, system = -1, value = 0;
+    while (in >> key >> value) {
+        if (key == "user_seconds")
+            user = value;
+        else if (key == "system_seconds")
+            system = value;
+        else if (key == "max_rss_kb")
+            run.peakRssKb = static_cast<long>(value);
     }
-    return false;
+    if (user >= 0 && system >= 0)
+        run.cpu = user + system;
 }
 
-// The peak RSS so far of the kelvo-util process below `root` (VmHWM only grows).
-void SampleRss(pid_t root, long &peak)
-{
-    for (const auto &entry : fs::directory_iterator("/proc", fs::directory_options::skip_permission_denied)) {
-        std::string pid = entry.path().filename().string();
-        if (pid.find_first_not_of("0123456789") != std::string::npos)
-            continue;
-        std::ifstream comm(entry.path() / "comm");
-        std::string name;
-        if (!std::getline(comm, name) || name != "kelvo-util" || !DescendsFrom(pid, root))
-            continue;
-        long hwm = ReadStatusKb(pid, "VmHWM:");
-        if (hwm > peak)
-            peak = hwm;
-    }
-}
-
-DumpRun RunDump()
+DumpRun RunDump(int services)
 {
     DumpRun run;
-    const std::string tv = g_work + "/tv", stick = g_work + "/stick", out = g_work + "/out";
+    const std::string tv = TvOf(services), stick = tv + "/stick", out = tv + "/out";
     fs::remove_all(stick);
     fs::create_directories(stick);
     fs::create_directories(out);
     std::vector<std::string> argv = {
-        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,          "--tv",      tv,   "--stick", stick,
-        "--out",  out,   "--fixture",   g_work + "/fixture.json", "--timeout", "300"};
+        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,      "--tv",      tv,   "--stick", stick,
+        "--out",  out,   "--fixture",   tv + "/fixture.json", "--timeout", "300"};
     int pipeFd[2];
     if (pipe(pipeFd) != 0)
         return run;
@@ -139,14 +129,6 @@ DumpRun RunDump()
         ExecChild(argv);
     }
     close(pipeFd[1]);
-    // Sampling walks /proc; it runs beside the reader so that lines are stamped as they come.
-    std::atomic<bool> done{false};
-    std::thread sampler([&]() {
-        while (!done) {
-            SampleRss(pid, run.peakRssKb);
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    });
     std::string pending;
     char buffer[65536];
     for (;;) {
@@ -166,10 +148,9 @@ DumpRun RunDump()
     close(pipeFd[0]);
     int status = 0;
     waitpid(pid, &status, 0);
-    done = true;
-    sampler.join();
     run.wall = std::chrono::duration<double>(Clock::now() - start).count();
     run.ok = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    ReadUsage(out + "/kelvo-util.usage", run);
 
     KelvoBenchRows rows;
     if (KelvoBenchSqlite::Read(stick + "/DumpMWDB/kelvoutilInfo.db", rows)) {
@@ -191,12 +172,14 @@ double At(const DumpRun &run, const char *needle, const char *also = nullptr, do
 
 void BM_WholeDump(benchmark::State &state)
 {
+    const int services = static_cast<int>(state.range(0));
+    Figures &figures = g_figures[services];
     for (auto _ : state) {
-        DumpRun run = RunDump();
+        DumpRun run = RunDump(services);
         state.SetIterationTime(run.wall);
-        g_figures.run = run;
+        figures.run = run;
     }
-    const DumpRun &run = g_figures.run;
+    const DumpRun &run = figures.run;
     double started = At(run, "Start Dump Kelvo DB");
     double backupFrom = At(run, "UTC Current Time", nullptr, started);
     double backupTo = At(run, "/TVS", "backup");
@@ -208,38 +191,74 @@ void BM_WholeDump(benchmark::State &state)
         state.SkipWithError("the dump did not complete; see its log");
         return;
     }
-    g_figures.backup = backupTo - backupFrom;
-    g_figures.exportTime = exportTo - exportFrom;
-    g_figures.copy = copyTo - exportTo;
-    g_figures.utilSpan = ended - started;
+    figures.backup = backupTo - backupFrom;
+    figures.exportTime = exportTo - exportFrom;
+    figures.copy = copyTo - exportTo;
+    figures.utilSpan = ended - started;
     state.counters["rows"] = run.rfRows + run.metaRows;
+    state.counters["cpu_s"] = run.cpu;
     state.counters["peak_rss_kb"] = static_cast<double>(run.peakRssKb);
 }
 
 // The same rows, read back from the stick, written by SQLite's prepared bulk insert.
 void BM_SqliteBulkInsert(benchmark::State &state)
 {
+    const int services = static_cast<int>(state.range(0));
+    Figures &figures = g_figures[services];
     KelvoBenchRows rows;
-    if (!KelvoBenchSqlite::Read(g_work + "/stick/DumpMWDB/kelvoutilInfo.db", rows)) {
+    if (!KelvoBenchSqlite::Read(TvOf(services) + "/stick/DumpMWDB/kelvoutilInfo.db", rows)) {
         state.SkipWithError("no dump database on the stick");
         return;
     }
     for (auto _ : state) {
-        double seconds = KelvoBenchSqlite::BulkInsert(g_work + "/tv/opt/bulk.db", rows);
+        double seconds = KelvoBenchSqlite::BulkInsert(TvOf(services) + "/opt/bulk.db", rows);
         if (seconds < 0) {
             state.SkipWithError("the bulk insert failed");
             return;
         }
         state.SetIterationTime(seconds);
-        if (seconds < g_figures.bulk)
-            g_figures.bulk = seconds;
+        if (seconds < figures.bulk)
+            figures.bulk = seconds;
     }
-    g_figures.bulkRows = static_cast<int>(rows.Count());
-    state.counters["rows"] = g_figures.bulkRows;
+    figures.bulkRows = static_cast<int>(rows.Count());
+    state.counters["rows"] = figures.bulkRows;
 }
 
-BENCHMARK(BM_WholeDump)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SqliteBulkInsert)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+// Each size's dump, then the bulk insert of its rows, before the next size.
+void Register()
+{
+    for (int services : kSizes) {
+        benchmark::RegisterBenchmark("BM_WholeDump", BM_WholeDump)
+            ->Arg(services)
+            ->Iterations(1)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark("BM_SqliteBulkInsert", BM_SqliteBulkInsert)
+            ->Arg(services)
+            ->Iterations(5)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
+    }
+}
+
+bool Measured(const Figures &f)
+{
+    int rows = f.run.rfRows + f.run.metaRows;
+    return f.run.ok && rows > 0 && f.bulkRows == rows && f.exportTime > 0 && f.bulk < 1e9 && f.run.cpu > 0;
+}
+
+void Report(int services, const Figures &f)
+{
+    std::printf("\nreference TV: %d services\n", services);
+    std::printf("rows: programRF %d, programMETA %d\n", f.run.rfRows, f.run.metaRows);
+    std::printf("wall time: kelvo-tv run %.3f s, kelvo-util from \"Start Dump\" to its end %.3f s\n", f.run.wall,
+                f.utilSpan);
+    std::printf("phases (as the log lines arrive): TVS backup %.1f ms, export %.1f ms, copy %.1f ms\n", f.backup * 1e3,
+                f.exportTime * 1e3, f.copy * 1e3);
+    std::printf("kelvo-util: CPU %.3f s (user + system), peak RSS %ld kB\n", f.run.cpu, f.run.peakRssKb);
+    std::printf("SQLite prepared bulk insert of the same %d rows: %.3f s (best of 5)\n", f.bulkRows, f.bulk);
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
@@ -252,34 +271,39 @@ int main(int argc, char **argv)
     if (mkdtemp(pattern.data()) == nullptr)
         return 1;
     g_work = pattern;
-    // The TV generator makes the TV's whole folder tree with its data.
+    // The TV generator makes each TV's whole folder tree with its data.
     long long now = static_cast<long long>(std::time(nullptr)) - 5;
-    if (Exec({KELVO_TV_GEN, "--opt", g_work + "/tv/opt", "--fixture", g_work + "/fixture.json", "--services",
-              std::to_string(kServices), "--now", std::to_string(now)}) != 0) {
-        std::fprintf(stderr, "kelvo-bench-dump: the TV generator failed\n");
-        fs::remove_all(g_work);
-        return 1;
+    for (int services : kSizes) {
+        if (Exec({KELVO_TV_GEN, "--opt", TvOf(services) + "/opt", "--fixture", TvOf(services) + "/fixture.json",
+                  "--services", std::to_string(services), "--now", std::to_string(now)}) != 0) {
+            std::fprintf(stderr, "kelvo-bench-dump: the TV generator failed\n");
+            fs::remove_all(g_work);
+            return 1;
+        }
     }
+    Register();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-
-    const Figures &f = g_figures;
-    int rows = f.run.rfRows + f.run.metaRows;
-    bool measured = f.run.ok && rows > 0 && f.bulkRows == rows && f.exportTime > 0 && f.bulk < 1e9;
-    std::printf("\nreference TV: %d services\n", kServices);
-    std::printf("rows: programRF %d, programMETA %d\n", f.run.rfRows, f.run.metaRows);
-    std::printf("wall time: kelvo-tv run %.3f s, kelvo-util from \"Start Dump\" to its end %.3f s\n", f.run.wall,
-                f.utilSpan);
-    std::printf("phases (as the log lines arrive): TVS backup %.1f ms, export %.1f ms, copy %.1f ms\n", f.backup * 1e3,
-                f.exportTime * 1e3, f.copy * 1e3);
-    std::printf("peak RSS of kelvo-util: %ld kB\n", f.run.peakRssKb);
-    std::printf("SQLite prepared bulk insert of the same %d rows: %.3f s (best of 5)\n", f.bulkRows, f.bulk);
     fs::remove_all(g_work);
-    if (!measured) {
-        std::printf("kelvo-bench-dump: the dump did not complete; no ratio\n");
+
+    bool all = true;
+    for (int services : kSizes) {
+        Report(services, g_figures[services]);
+        all = all && Measured(g_figures[services]);
+    }
+    if (!all) {
+        std::printf("kelvo-bench-dump: a dump did not complete; no ratio\n");
         return 1;
     }
-    std::printf("RATIO dump_export %.2f\n", (f.exportTime / rows) / (f.bulk / rows));
+    std::printf("\n");
+    const Figures &small = g_figures[kExportSize];
+    int smallRows = small.run.rfRows + small.run.metaRows;
+    std::printf("RATIO dump_export %.2f\n", (small.exportTime / smallRows) / (small.bulk / smallRows));
+    for (int services : kSizes)
+        std::printf("RATIO dump_cpu_%d %.2f\n", services, g_figures[services].run.cpu / g_figures[services].bulk);
+    const Figures &large = g_figures[kSizes[2]];
+    int largeRows = large.run.rfRows + large.run.metaRows;
+    std::printf("RATIO dump_cpu_growth %.2f\n", (large.run.cpu / largeRows) / (small.run.cpu / smallRows));
     return 0;
 }

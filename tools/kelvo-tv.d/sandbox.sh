@@ -40,7 +40,7 @@ sandbox() {
         check_mount
     fi
     mkdir -p "$OUT"
-    rm -f "$OUT"/{kelvo-util.log,exit-status,notifications.tsv,clock.log,daemon-requests.jsonl,dbus-monitor.txt,daemon-sim.log,notify-sim.log}
+    rm -f "$OUT"/{kelvo-util.log,kelvo-util.usage,exit-status,notifications.tsv,clock.log,daemon-requests.jsonl,dbus-monitor.txt,daemon-sim.log,notify-sim.log}
 
     local args=(bwrap --unshare-user --unshare-pid --die-with-parent
                 --ro-bind / /
