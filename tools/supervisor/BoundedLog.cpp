@@ -45,6 +45,10 @@ void KelvoBoundedLog::m_Keep(const char *data, size_t size)
     m_endsWithNewline = data[size - 1] == '\n';
     if (m_terminalFd < 0)
         return;
+    // The lines shown go out in one write per chunk read, not one per line: a dump logs hundreds
+    // of thousands of lines.
+    std::string shown;
+    shown.reserve(size);
     const char *end = data + size;
     for (const char *p = data; p < end;) {
         const char *newline = static_cast<const char *>(memchr(p, '\n', static_cast<size_t>(end - p)));
@@ -52,18 +56,29 @@ void KelvoBoundedLog::m_Keep(const char *data, size_t size)
             m_partial.append(p, end);
             break;
         }
-        m_partial.append(p, newline + 1);
-        m_ShowLine(m_partial);
-        m_partial.clear();
+        if (m_partial.empty()) {
+            if (m_Shows(p))
+                shown.append(p, newline + 1);
+        } else {
+            m_partial.append(p, newline + 1);
+            if (m_Shows(m_partial.c_str()))
+                shown += m_partial;
+            m_partial.clear();
+        }
         p = newline + 1;
     }
+    m_WriteAll(m_terminalFd, shown.data(), shown.size());
+}
+
+bool KelvoBoundedLog::m_Shows(const char *line) const
+{
+    return m_showDebug || !(line[0] == 'D' && line[1] == '/');
 }
 
 void KelvoBoundedLog::m_ShowLine(const std::string &line)
 {
-    if (!m_showDebug && line.compare(0, 2, "D/") == 0)
-        return;
-    m_WriteAll(m_terminalFd, line.data(), line.size());
+    if (m_Shows(line.c_str()))
+        m_WriteAll(m_terminalFd, line.data(), line.size());
 }
 
 void KelvoBoundedLog::m_WriteAll(int fd, const char *data, size_t size)

@@ -23,6 +23,7 @@ public:
 private:
     void m_Keep(const char *data, size_t size);
     void m_ShowLine(const std::string &line);
+    bool m_Shows(const char *line) const;
     static void m_WriteAll(int fd, const char *data, size_t size);
 
     int m_fileFd;

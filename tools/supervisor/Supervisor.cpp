@@ -33,6 +33,9 @@ const int kStartMs = 10000;
 const auto kStopGrace = std::chrono::seconds(5);
 // After the process ended, how long its output may still come from what it left running.
 const auto kDrainAfterExit = std::chrono::seconds(1);
+// Between reads of a captured process's output; its pipe is made large enough for what comes.
+const auto kReadPause = std::chrono::milliseconds(2);
+const int kCapturePipeBytes = 1 << 20;
 
 void Note(const std::string &text)
 {
@@ -256,6 +259,7 @@ int KelvoSupervisor::m_RunCaptured()
         Note("cannot open " + m_options.out + "/kelvo-util.log: " + strerror(errno));
         return kSetupFailed;
     }
+    fcntl(fds[0], F_SETPIPE_SZ, kCapturePipeBytes);  // the default 64 KiB when refused
     pid_t pid = m_Spawn(argv, m_Environment(m_CommandOverrides()), fds[1], -1, Kind::Captured);
     close(fds[1]);
     if (pid <= 0) {
@@ -284,10 +288,15 @@ int KelvoSupervisor::m_RunCaptured()
         pollfd p = {fds[0], POLLIN, 0};
         if (!eof && poll(&p, 1, 100) > 0) {
             ssize_t n = read(fds[0], buffer, sizeof buffer);
-            if (n > 0)
+            if (n > 0) {
                 log.Take(buffer, static_cast<size_t>(n));
-            else if (n == 0 || errno != EINTR)
+                // A process that logs line by line would otherwise wake this reader on every
+                // line, and pay for it in each of its writes; the pipe holds what comes meanwhile.
+                if (static_cast<size_t>(n) < sizeof buffer)
+                    std::this_thread::sleep_for(kReadPause);
+            } else if (n == 0 || errno != EINTR) {
                 eof = true;
+            }
         } else if (eof) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
