@@ -26,10 +26,19 @@ bool FCCallHelper::RemoteCallWithStringArguments(const char *method, const std::
 
 bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out)
 {
+    return RemoteCallWithJsonArguments(method, in, out, nullptr, nullptr);
+}
+
+bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out,
+                                               const char *arrayKey,
+                                               const std::function<void(const Json::Value &element)> &onElement)
+{
     std::string reply;
     if (!RemoteCallWithStringArguments(method, FCJsonHelper::WriteCompact(in), reply))
         return false;
-    if (!FCJsonHelper::ParseToJson(reply, out)) {
+    bool parsed = arrayKey == nullptr ? FCJsonHelper::ParseToJson(reply, out)
+                                      : FCJsonHelper::ParseToJsonEach(reply, arrayKey, out, onElement);
+    if (!parsed) {
         FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCVirtualChannels_Proxy::%s] fail to parse json data\n", FC_DBG_LV, method);
         return false;
     }

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include <json/json.h>
 
@@ -75,6 +76,41 @@ bool Typed(const Site &site, const char *method, const Codecs &...codecs)
     if (!called || !reply.isObject())
         reply = Json::Value();
     (codecs.Read(reply), ...);
+    return FCJsonHelper::ReturnBoolean(reply);
+}
+
+// An output read from a reply's bulk array one element at a time, into a map: each element is
+// read into a fresh map, which goes into the caller's map (as the whole-reply reader would have
+// put it) only when the whole reply parsed.
+template <typename Map>
+struct Each {
+    const char *arrayKey;
+    void (*readElement)(const Json::Value &element, Map &entries);
+    Map &output;
+};
+
+template <typename Map>
+Each<Map> ReadsEach(const char *arrayKey, void (*readElement)(const Json::Value &, Map &), Map &output)
+{
+    return {arrayKey, readElement, output};
+}
+
+// Typed with the shared exchange, for the operations whose reply may hold a whole day's
+// programmes: the reply never stands in memory as one JSON tree, and the outcome is Typed's.
+template <typename Map, typename... Codecs>
+bool TypedEach(const char *method, const Each<Map> &each, const Codecs &...writes)
+{
+    Json::Value argument(Json::objectValue);
+    (writes.Write(argument), ...);
+    Json::Value reply;
+    Map fresh;
+    if (!FCCallHelper::RemoteCallWithJsonArguments(
+            method, argument, reply, each.arrayKey,
+            [&](const Json::Value &element) { each.readElement(element, fresh); }) ||
+        !reply.isObject())
+        return false;
+    for (auto &entry : fresh)
+        each.output[entry.first] = std::move(entry.second);
     return FCJsonHelper::ReturnBoolean(reply);
 }
 

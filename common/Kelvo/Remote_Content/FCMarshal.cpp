@@ -318,18 +318,23 @@ bool WriteKeyedMap(Json::Value &out, const char *arrayKey, const char *keyName, 
 // Each element's value is assigned under its key: a later element replaces an earlier one with
 // the same key, and entries under other keys stay.
 template <typename Codec, typename Map>
+void ReadKeyedEntry(const Json::Value &element, const char *keyName, Map &entries)
+{
+    typename Map::key_type key{};
+    FromValue(element[keyName], key);
+    typename Map::mapped_type value{};
+    Codec::Read(element, value);
+    entries[key] = std::move(value);
+}
+
+template <typename Codec, typename Map>
 bool ReadKeyedMap(const Json::Value &in, const char *arrayKey, const char *keyName, Map &entries)
 {
     const Json::Value *array = ArrayMember(in, arrayKey);
     if (array == nullptr)
         return true;
-    for (const Json::Value &element : *array) {
-        typename Map::key_type key{};
-        FromValue(element[keyName], key);
-        typename Map::mapped_type value{};
-        Codec::Read(element, value);
-        entries[key] = std::move(value);
-    }
+    for (const Json::Value &element : *array)
+        ReadKeyedEntry<Codec>(element, keyName, entries);
     return true;
 }
 
@@ -1074,11 +1079,17 @@ bool FCMarshal::JsonToCountMap(Json::Value &in, std::map<std::string, int> &coun
 }
 bool FCMarshal::ProgramMapToJson(std::map<std::string, std::vector<FCRemoteProgram>> &programs, Json::Value &out)
 {
-    return WriteKeyedMap<ProgramArrayValue>(out, "out_mapProgramWithSourceID", "program_source_id", programs);
+    return WriteKeyedMap<ProgramArrayValue>(out, kProgramMapKey, "program_source_id", programs);
 }
+const char *const FCMarshal::kProgramMapKey = "out_mapProgramWithSourceID";
 bool FCMarshal::JsonToProgramMap(Json::Value &in, std::map<std::string, std::vector<FCRemoteProgram>> &programs)
 {
-    return ReadKeyedMap<ProgramArrayValue>(in, "out_mapProgramWithSourceID", "program_source_id", programs);
+    return ReadKeyedMap<ProgramArrayValue>(in, kProgramMapKey, "program_source_id", programs);
+}
+void FCMarshal::JsonToProgramMapEntry(const Json::Value &element,
+                                      std::map<std::string, std::vector<FCRemoteProgram>> &programs)
+{
+    ReadKeyedEntry<ProgramArrayValue>(element, "program_source_id", programs);
 }
 bool FCMarshal::MBRProgramTableToJson(FCMBRNetworkProgramTable &table, Json::Value &out)
 {

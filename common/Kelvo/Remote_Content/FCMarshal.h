@@ -250,6 +250,11 @@ public:
     static bool ProgramMapToJson(std::map<std::string, std::vector<FCRemoteProgram>> &programs, Json::Value &out);
     // Each source's vector replaces the one stored under it; other sources stay.
     static bool JsonToProgramMap(Json::Value &in, std::map<std::string, std::vector<FCRemoteProgram>> &programs);
+    // One element of that reply's array, kProgramMapKey, read into the map as JsonToProgramMap
+    // reads each: for a reply read one element at a time.
+    static const char *const kProgramMapKey;
+    static void JsonToProgramMapEntry(const Json::Value &element,
+                                      std::map<std::string, std::vector<FCRemoteProgram>> &programs);
 
     static bool ParseToJson(const std::string &text, Json::Value &out);
 };

@@ -194,10 +194,11 @@ bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(eRemoteContentActivity activit
                                                   std::map<std::string, std::vector<FCRemoteProgram>> &programMap)
 {
     FC_ENTRY;
-    return TypedCall("GetProgramMap",
-                     Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson, activity,
-                            sourceIds, utcStartTime, duration, filter),
-                     Reads(FCMarshal::JsonToProgramMap, programMap));
+    return FCProxyCall::TypedEach(
+        "GetProgramMap",
+        FCProxyCall::ReadsEach(FCMarshal::kProgramMapKey, FCMarshal::JsonToProgramMapEntry, programMap),
+        Writes(FCMarshal::SourceIDListAndUtcStartTimeAndDurationAndFCFilterCriteriaToJson, activity, sourceIds,
+               utcStartTime, duration, filter));
 }
 
 bool FCRemoteContentOnTV_MSO_Proxy::GetProgramMap(const std::string &in, std::string &out)
