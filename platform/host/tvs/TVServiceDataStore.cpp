@@ -33,6 +33,53 @@ struct Connection {
     }
 };
 
+// The guide is read once per service, thousands of times in a dump: each thread keeps the
+// guide database open with its query prepared, as long as the path names the same file. A file
+// put in its place (a restore, a new TV) is opened afresh; a write to the same file SQLite itself
+// sees.
+class EventReader {
+public:
+    ~EventReader() { m_Close(); }
+
+    sqlite3_stmt *For(const std::string &path)
+    {
+        struct stat now {};
+        if (stat(path.c_str(), &now) != 0) {
+            m_Close();
+            return nullptr;
+        }
+        if (m_stmt != nullptr && path == m_path && now.st_dev == m_file.st_dev && now.st_ino == m_file.st_ino &&
+            now.st_mtim.tv_sec == m_file.st_mtim.tv_sec && now.st_mtim.tv_nsec == m_file.st_mtim.tv_nsec) {
+            sqlite3_reset(m_stmt);
+            sqlite3_clear_bindings(m_stmt);
+            return m_stmt;
+        }
+        m_Close();
+        return m_Open(path, now) ? m_stmt : nullptr;
+    }
+
+    // After a failed read, the next one starts from a fresh connection.
+    void Forget() { m_Close(); }
+
+private:
+    bool m_Open(const std::string &path, const struct stat &file);
+    void m_Close()
+    {
+        sqlite3_finalize(m_stmt);
+        sqlite3_close(m_db);
+        m_stmt = nullptr;
+        m_db = nullptr;
+        m_path.clear();
+    }
+
+    sqlite3 *m_db = nullptr;
+    sqlite3_stmt *m_stmt = nullptr;
+    std::string m_path;
+    struct stat m_file {};
+};
+
+thread_local EventReader t_eventReader;
+
 std::string ColumnText(sqlite3_stmt *stmt, int column)
 {
     const unsigned char *text = sqlite3_column_text(stmt, column);
@@ -197,32 +244,48 @@ bool TCServiceDataStore::ReadServices(const std::string &path, std::vector<TCSto
 bool TCServiceDataStore::ReadEvents(const std::string &path, unsigned long long serviceId, long long from, long long to,
                                     std::vector<TCStoredEvent> &out)
 {
-    Connection c;
-    c.db = m_Open(path, true);
-    if (c.db == nullptr)
+    sqlite3_stmt *stmt = t_eventReader.For(path);
+    if (stmt == nullptr)
+        return false;
+    sqlite3_bind_int64(stmt, 1, static_cast<long long>(serviceId));
+    sqlite3_bind_int64(stmt, 2, from);
+    sqlite3_bind_int64(stmt, 3, to);
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        TCStoredEvent e;
+        e.serviceId = serviceId;
+        e.eventId = static_cast<unsigned int>(sqlite3_column_int64(stmt, 0));
+        e.startTime = sqlite3_column_int64(stmt, 1);
+        e.duration = sqlite3_column_int64(stmt, 2);
+        e.language = ColumnText(stmt, 3);
+        e.title = ColumnText(stmt, 4);
+        e.extendedText = ColumnText(stmt, 5);
+        out.push_back(std::move(e));
+    }
+    if (rc != SQLITE_DONE) {
+        t_eventReader.Forget();
+        return false;
+    }
+    // The read lock ends with the statement.
+    sqlite3_reset(stmt);
+    return true;
+}
+
+bool EventReader::m_Open(const std::string &path, const struct stat &file)
+{
+    m_db = TCServiceDataStore::OpenForReading(path);
+    if (m_db == nullptr)
         return false;
     const char *sql = "SELECT event_id, start_time, duration, language, title, extended_text FROM event "
                       "WHERE service_id = ? AND start_time >= ? AND start_time < ? ORDER BY event_id";
-    if (sqlite3_prepare_v2(c.db, sql, -1, &c.stmt, nullptr) != SQLITE_OK) {
-        TCApiPrintMessage("[TVS] %s: %s", path.c_str(), sqlite3_errmsg(c.db));
+    if (sqlite3_prepare_v2(m_db, sql, -1, &m_stmt, nullptr) != SQLITE_OK) {
+        TCApiPrintMessage("[TVS] %s: %s", path.c_str(), sqlite3_errmsg(m_db));
+        m_Close();
         return false;
     }
-    sqlite3_bind_int64(c.stmt, 1, static_cast<long long>(serviceId));
-    sqlite3_bind_int64(c.stmt, 2, from);
-    sqlite3_bind_int64(c.stmt, 3, to);
-    int rc;
-    while ((rc = sqlite3_step(c.stmt)) == SQLITE_ROW) {
-        TCStoredEvent e;
-        e.serviceId = serviceId;
-        e.eventId = static_cast<unsigned int>(sqlite3_column_int64(c.stmt, 0));
-        e.startTime = sqlite3_column_int64(c.stmt, 1);
-        e.duration = sqlite3_column_int64(c.stmt, 2);
-        e.language = ColumnText(c.stmt, 3);
-        e.title = ColumnText(c.stmt, 4);
-        e.extendedText = ColumnText(c.stmt, 5);
-        out.push_back(std::move(e));
-    }
-    return rc == SQLITE_DONE;
+    m_path = path;
+    m_file = file;
+    return true;
 }
 
 bool TCServiceDataStore::WriteChannelMapDump(const std::string &servicePath, const std::string &dumpPath)

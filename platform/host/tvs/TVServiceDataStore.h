@@ -67,6 +67,8 @@ public:
     static bool ReadEvents(const std::string &path, unsigned long long serviceId, long long from, long long to,
                            std::vector<TCStoredEvent> &out);
     // Writes the channel map (the services with a map position, in map order) into a new file.
+    // A read-only connection with the store's busy timeout, or null (logged).
+    static sqlite3 *OpenForReading(const std::string &path) { return m_Open(path, true); }
     static bool WriteChannelMapDump(const std::string &servicePath, const std::string &dumpPath);
 
     // "eng" -> 0x656E67, the middleware's language code.
