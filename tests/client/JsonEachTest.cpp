@@ -29,6 +29,7 @@ TEST(JsonEach, AgreesWithTheWholeReplyOnEveryShape)
         {"the key escaped", R"({"list":[1],"l\u0069st":[2]})"},
         {"brackets and quotes in strings", R"({"list":["],[\"{",{"k":"}"}],"z":"]"})"},
         {"comment", "{\"list\":[1, /* two */ 2]}"},
+        {"NUL byte after an element", std::string("{\"list\":[\"a\"\0]}", 15)},
         {"byte order mark", "\xEF\xBB\xBF{\"list\":[1]}"},
         {"text after the root", R"({"list":[1,2]} trailing)"},
         {"two values in one element", R"({"list":[1 2]})"},

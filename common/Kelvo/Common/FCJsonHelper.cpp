@@ -58,7 +58,7 @@ bool Parse(Json::CharReader &reader, const char *begin, const char *end, Json::V
 }
 
 // Where a root object's array member and its elements lie in a text. The scan only recognises
-// the plain shape: anything it does not follow (a comment, an unterminated string, the key twice
+// the plain shape: anything it does not follow (a comment, a NUL byte, an unterminated string, the key twice
 // or escaped, a value that is no array, nesting near the reader's stack limit) ends it, and the
 // text is then parsed whole. Whether the text is valid JSON is for the reader to say.
 class ArraySlicer {
@@ -145,7 +145,8 @@ private:
                     return false;
                 continue;
             }
-            if (c == '/')
+            // A comment, or a NUL byte, which the reader takes for the end of the text.
+            if (c == '/' || c == '\0')
                 return false;
             if (c == '{' || c == '[') {
                 if (++depth > kMaxDepth)
