@@ -5,6 +5,7 @@
 #include <climits>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -146,7 +147,7 @@ std::string KelvoSimContent::ToCompactText(const Json::Value &value)
     return Json::writeString(builder, value);
 }
 
-bool KelvoSimContent::Load(const Json::Value &fixture, std::string &error)
+bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
 {
     if (!fixture.isObject()) {
         error = "the fixture is not a JSON object";
@@ -173,10 +174,10 @@ bool KelvoSimContent::Load(const Json::Value &fixture, std::string &error)
             return false;
         }
     }
-    m_fixture = fixture;
-    m_msoConfig = Member(fixture, "msoConfig").isObject() ? fixture["msoConfig"] : Json::Value(Json::objectValue);
-    m_country = Str(Member(fixture, "countryLang"), "country");
-    m_language = Str(Member(fixture, "countryLang"), "language");
+    m_fixture = std::move(fixture);
+    m_msoConfig = Member(m_fixture, "msoConfig").isObject() ? m_fixture["msoConfig"] : Json::Value(Json::objectValue);
+    m_country = Str(Member(m_fixture, "countryLang"), "country");
+    m_language = Str(Member(m_fixture, "countryLang"), "language");
     return true;
 }
 

@@ -13,7 +13,8 @@ class KelvoSimContent {
 public:
     // Replaces what the daemon knows. A fixture that is not an object, or whose members have the
     // wrong kind, is refused with a reason.
-    bool Load(const Json::Value &fixture, std::string &error);
+    // Takes the fixture over (a TV's fixture may be tens of megabytes): pass it with std::move.
+    bool Load(Json::Value fixture, std::string &error);
 
     // The reply to one request. False when the daemon has no such method.
     bool Answer(const std::string &method, const std::string &argumentText, Json::Value &reply);

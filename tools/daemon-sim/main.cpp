@@ -5,10 +5,11 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <json/json.h>
@@ -58,9 +59,8 @@ bool ReadJsonFile(const std::string &path, Json::Value &out, std::string &error)
         error = "cannot read " + path + ": " + strerror(errno);
         return false;
     }
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    if (!ParseJsonText(buffer.str(), out, error)) {
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!ParseJsonText(text, out, error)) {
         error = path + ": " + error;
         return false;
     }
@@ -241,7 +241,7 @@ private:
             Json::Value fixture;
             std::string loadError;
             if (sd_bus_message_read(m, "s", &text) < 0 || !ParseJsonText(text, fixture, loadError) ||
-                !m_content.Load(fixture, loadError)) {
+                !m_content.Load(std::move(fixture), loadError)) {
                 return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "bad fixture: %s", loadError.c_str());
             }
             return sd_bus_reply_method_return(m, "");
@@ -352,7 +352,7 @@ int main(int argc, char **argv)
         fprintf(stderr, "kelvo-daemon-sim: %s\n", error.c_str());
         return 2;
     }
-    if (!content.Load(fixture, error)) {
+    if (!content.Load(std::move(fixture), error)) {
         fprintf(stderr, "kelvo-daemon-sim: %s: %s\n", options.fixture.c_str(), error.c_str());
         return 2;
     }
