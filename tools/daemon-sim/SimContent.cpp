@@ -178,6 +178,54 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
     m_msoConfig = Member(m_fixture, "msoConfig").isObject() ? m_fixture["msoConfig"] : Json::Value(Json::objectValue);
     m_country = Str(Member(m_fixture, "countryLang"), "country");
     m_language = Str(Member(m_fixture, "countryLang"), "language");
+    m_programmeTexts.clear();
+    const Json::Value &all = Member(m_fixture, "programs");
+    for (auto source = all.begin(); source != all.end(); ++source) {
+        std::vector<Piece> &pieces = m_programmeTexts[source.name()];
+        pieces.reserve(source->size());
+        for (const auto &programme : *source)
+            pieces.push_back({static_cast<long long>(StartOf(programme)), ToCompactText(programme)});
+    }
+    return true;
+}
+
+bool KelvoSimContent::m_ParseArgument(const std::string &argumentText, Json::Value &in)
+{
+    Json::CharReaderBuilder builder;
+    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    if (!reader->parse(argumentText.data(), argumentText.data() + argumentText.size(), &in, nullptr) ||
+        !in.isObject()) {
+        in = Json::Value(Json::objectValue);
+    }
+    return true;
+}
+
+bool KelvoSimContent::AnswerText(const std::string &method, const std::string &argumentText, std::string &text)
+{
+    if (method != "GetProgramMap") {
+        Json::Value reply;
+        if (!Answer(method, argumentText, reply))
+            return false;
+        text = ToCompactText(reply);
+        return true;
+    }
+    // As ToCompactText writes m_GetProgramMap's reply: members in key order, no spaces.
+    Json::Value in;
+    m_ParseArgument(argumentText, in);
+    text = "{\"out_mapProgramWithSourceID\":[";
+    bool firstSource = true;
+    for (const auto &selected : m_ProgramMapSelection(in)) {
+        text += firstSource ? "{\"program_array\":[" : ",{\"program_array\":[";
+        firstSource = false;
+        const std::vector<Piece> &pieces = m_programmeTexts.at(selected.first);
+        for (size_t i = 0; i < selected.second.size(); ++i) {
+            if (i > 0)
+                text += ',';
+            text += pieces[selected.second[i]].text;
+        }
+        text += "],\"program_source_id\":" + ToCompactText(Json::Value(selected.first)) + "}";
+    }
+    text += "],\"ret\":true}";
     return true;
 }
 
@@ -187,12 +235,7 @@ bool KelvoSimContent::Answer(const std::string &method, const std::string &argum
     if (it == m_Handlers().end())
         return false;
     Json::Value in;
-    Json::CharReaderBuilder builder;
-    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    if (!reader->parse(argumentText.data(), argumentText.data() + argumentText.size(), &in, nullptr) ||
-        !in.isObject()) {
-        in = Json::Value(Json::objectValue);
-    }
+    m_ParseArgument(argumentText, in);
     reply = Json::Value(Json::objectValue);
     reply["ret"] = true;
     (this->*(it->second))(in, reply);
@@ -328,27 +371,42 @@ void KelvoSimContent::m_GetTunableProgramSourceIdMap(Json::Value &, Json::Value 
 
 // Programmes of each requested source starting in [start, start + duration); a source without
 // any programme in that window is left out of the map.
-void KelvoSimContent::m_GetProgramMap(Json::Value &in, Json::Value &out)
+std::vector<std::pair<std::string, std::vector<size_t>>>
+KelvoSimContent::m_ProgramMapSelection(const Json::Value &in) const
 {
     const long long start = Num(in, "utc start time");
     long long end = 0;
     if (__builtin_add_overflow(start, std::max(0LL, Num(in, "duration")), &end))
         end = LLONG_MAX;
+    std::vector<std::pair<std::string, std::vector<size_t>>> selection;
+    for (const auto &requested : Member(in, "sourceIDArray")) {
+        if (!requested.isString())
+            continue;
+        auto pieces = m_programmeTexts.find(requested.asString());
+        if (pieces == m_programmeTexts.end())
+            continue;
+        std::vector<size_t> positions;
+        for (size_t i = 0; i < pieces->second.size(); ++i)
+            if (pieces->second[i].start >= start && pieces->second[i].start < end)
+                positions.push_back(i);
+        if (!positions.empty())
+            selection.emplace_back(pieces->first, std::move(positions));
+    }
+    return selection;
+}
+
+void KelvoSimContent::m_GetProgramMap(Json::Value &in, Json::Value &out)
+{
     Json::Value &map = out["out_mapProgramWithSourceID"] = Json::Value(Json::arrayValue);
     const Json::Value &programs = Member(m_fixture, "programs");
-    for (const auto &requested : Member(in, "sourceIDArray")) {
-        if (!requested.isString() || !programs.isMember(requested.asString()))
-            continue;
+    for (const auto &selected : m_ProgramMapSelection(in)) {
         Json::Value element(Json::objectValue);
-        element["program_source_id"] = requested.asString();
+        element["program_source_id"] = selected.first;
         Json::Value &array = element["program_array"] = Json::Value(Json::arrayValue);
-        for (const auto &programme : programs[requested.asString()]) {
-            long long begin = static_cast<long long>(StartOf(programme));
-            if (begin >= start && begin < end)
-                array.append(programme);
-        }
-        if (!array.empty())
-            map.append(element);
+        const Json::Value &source = programs[selected.first];
+        for (size_t position : selected.second)
+            array.append(source[static_cast<Json::ArrayIndex>(position)]);
+        map.append(element);
     }
 }
 

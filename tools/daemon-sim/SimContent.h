@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <json/json.h>
@@ -18,6 +19,9 @@ public:
 
     // The reply to one request. False when the daemon has no such method.
     bool Answer(const std::string &method, const std::string &argumentText, Json::Value &reply);
+    // The same reply as compact text (ToCompactText of Answer's). A day's programme map is written
+    // from texts kept per programme since Load, not built as one JSON tree and written out again.
+    bool AnswerText(const std::string &method, const std::string &argumentText, std::string &text);
 
     // The names Answer knows, ascending (for introspection).
     static std::vector<std::string> Methods();
@@ -66,6 +70,16 @@ private:
     std::vector<std::string> m_SourceIds() const;
 
     Json::Value m_fixture{Json::objectValue};
+    // Per source of "programs": each programme's start and compact text, in the fixture's order.
+    struct Piece {
+        long long start;
+        std::string text;
+    };
+    std::map<std::string, std::vector<Piece>> m_programmeTexts;
+    // The programmes of a GetProgramMap request: per requested source that has any in the window,
+    // the source and the positions of its programmes, in the order of the reply.
+    std::vector<std::pair<std::string, std::vector<size_t>>> m_ProgramMapSelection(const Json::Value &in) const;
+    static bool m_ParseArgument(const std::string &argumentText, Json::Value &in);
     Json::Value m_msoConfig{Json::objectValue};
     std::string m_country;
     std::string m_language;

@@ -171,11 +171,11 @@ private:
             std::string text = reply.isString() ? reply.asString() : KelvoSimContent::ToCompactText(reply);
             return sd_bus_reply_method_return(m, "s", text.c_str());
         }
-        Json::Value reply;
-        if (!m_content.Answer(member, argument, reply)) {
+        std::string reply;
+        if (!m_content.AnswerText(member, argument, reply)) {
             return sd_bus_reply_method_errorf(m, SD_BUS_ERROR_UNKNOWN_METHOD, "Unknown method %s", member);
         }
-        return sd_bus_reply_method_return(m, "s", KelvoSimContent::ToCompactText(reply).c_str());
+        return sd_bus_reply_method_return(m, "s", reply.c_str());
     }
 
     // A delayed answer does not hold up the other callers: the call is kept and answered from a
