@@ -119,7 +119,7 @@ TEST(Milestones, WhatAPersonSeesOfARun)
         {"a time file that is not a number, until the time limit",
          {Util("Start Restore Kelvo DB"), Util("restore time is 0"), Util("restore time is 0"),
           Util("restore time is 0")},
-         "branch: restore\nclock from time.txt: 0 (read 3 times)\n"},
+         "branch: restore\nclock from time.txt: 0 (read 3 times: the file does not hold one number)\n"},
         {"a run that ends inside an export",
          {Util("Start to Backup ProgramData of RF channels"), Util("RF channels size : 9 "),
           Util("serviceId:11 , RF Programs size : 2 "), row},

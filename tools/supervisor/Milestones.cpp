@@ -10,7 +10,8 @@ namespace {
 
 // The service id kelvo-util gives programmes of a metadata source no service matches.
 const char *const kAllOnes = "18446744073709551615";
-// A running count is redrawn at each service or source and every this many rows.
+// A running count is redrawn at each service or source and every this many rows (or reads of
+// the time file).
 const long long kRowsPerRedraw = 256;
 // Erases the terminal's current line.
 const char *const kEraseLine = "\r\033[K";
@@ -148,7 +149,8 @@ void KelvoMilestones::m_Message(const std::string &message)
             m_Begin(Phase::TimeFile);
         ++m_done;
         m_last = message.substr(16);
-        m_Count();
+        if (m_done == 1 || m_done % kRowsPerRedraw == 0)
+            m_Count();
     } else if (message == "kelvo-util run starts by activation .....") {
         m_Print("kelvo-util started");
     } else if (StartsWith(message, "mount path is ")) {
@@ -222,7 +224,8 @@ std::string KelvoMilestones::m_PhaseText() const
                " with programmes (of " + std::to_string(m_total) + ", " + std::to_string(m_unmatched) +
                " unmatched), " + Plural(m_rows, "row", "rows") + failed;
     case Phase::TimeFile:
-        return "clock from time.txt: " + m_last + (m_done > 1 ? " (read " + std::to_string(m_done) + " times)" : "");
+        return "clock from time.txt: " + m_last +
+               (m_done > 1 ? " (read " + std::to_string(m_done) + " times: the file does not hold one number)" : "");
     case Phase::Copy:
         return m_missing > 0 ? "copy of the middleware's data to the stick: " + Plural(m_missing, "source", "sources") +
                                    " this TV does not have"
