@@ -1,5 +1,7 @@
 #include "BoundedLog.h"
 
+#include "Milestones.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -25,7 +27,7 @@ void KelvoBoundedLog::Take(const char *data, size_t size)
         m_WriteAll(m_fileFd, "\n", 1);
     m_WriteAll(m_fileFd, kTruncatedLine, strlen(kTruncatedLine));
     Finish();
-    m_WriteAll(m_terminalFd, kTruncatedLine, strlen(kTruncatedLine));
+    m_ShowLine(kTruncatedLine);
 }
 
 void KelvoBoundedLog::Finish()
@@ -61,6 +63,10 @@ void KelvoBoundedLog::m_Keep(const char *data, size_t size)
 
 void KelvoBoundedLog::m_ShowLine(const std::string &line)
 {
+    if (m_milestones) {
+        m_milestones->Line(line);
+        return;
+    }
     if (!m_showDebug && line.compare(0, 2, "D/") == 0)
         return;
     m_WriteAll(m_terminalFd, line.data(), line.size());
