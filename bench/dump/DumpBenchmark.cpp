@@ -1,5 +1,5 @@
 // The whole dump of the reference TV made with 300, 1 000 and 3 000 services: the real kelvo-util
-// in the simulated TV (tools/kelvo-tv run), timed per phase from the moments its log lines arrive,
+// in the simulated TV (tools/kelvo-tv run -v), timed per phase from the moments its log lines arrive,
 // with kelvo-util's own CPU time and peak RSS as the supervisor measured them when it ended. The
 // limit is SQLite's own prepared bulk insert of the same rows into the same file system, measured
 // in the same run:
@@ -113,8 +113,8 @@ DumpRun RunDump(int services)
     fs::create_directories(stick);
     fs::create_directories(out);
     std::vector<std::string> argv = {
-        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,      "--tv",      tv,   "--stick", stick,
-        "--out",  out,   "--fixture",   tv + "/fixture.json", "--timeout", "300"};
+        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,      "--tv",      tv,    "--stick", stick,
+        "--out",  out,   "--fixture",   tv + "/fixture.json", "--timeout", "300", "-v"};
     int pipeFd[2];
     if (pipe(pipeFd) != 0)
         return run;

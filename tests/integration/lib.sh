@@ -84,8 +84,9 @@ ok() { local what=$1; shift; "$@" || fail "$what"; }              # what command
 no() { ! "$@"; }
 finish() {
     [ "$FAILURES" -eq 0 ] && { echo "all checks of $CASE passed"; exit 0; }
-    echo "$FAILURES check(s) failed; the last run:"
-    grep -v '^D/' "$C/run.txt" 2>/dev/null | tail -n 40 | sed 's/^/  | /'
+    echo "$FAILURES check(s) failed; the last run, and the end of its log:"
+    sed 's/^/  | /' "$C/run.txt" 2>/dev/null
+    grep -v '^D/' "${OUT:-$C/out}/kelvo-util.log" 2>/dev/null | tail -n 30 | sed 's/^/  log | /'
     exit 1
 }
 

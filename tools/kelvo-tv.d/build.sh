@@ -10,7 +10,9 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           dbus-daemon dbus-bin       # its bus; dbus-send, dbus-monitor, dbus-run-session
           systemd                    # busctl
           shellcheck clang-format    # the checks of kelvo-tv test
-          clang clang-tidy libclang-rt-14-dev)  # static analysis, ThreadSanitizer, fuzzing
+          clang clang-tidy libclang-rt-14-dev  # static analysis, ThreadSanitizer, fuzzing
+          xvfb dunst                 # a real notification server under an X server of its own
+          udev)                      # udev.pc: where the launch rule is installed
 
 ensure_packages() {
     local missing=() p

@@ -86,5 +86,9 @@ dump_summary() {
     if [ -n "$all" ]; then
         echo "time taken: ${all} s in all${run:+, of which ${run} s for the run in the TV (sandbox, bus, kelvo-util)}"
     fi
-    echo "artefacts: $out"
+    echo "artefacts: $out (the whole log: $out/kelvo-util.log)"
+    # What the engineer who receives the stick runs on it.
+    if [ -n "$stick" ] && [ -d "$stick/DumpMWDB" ]; then
+        printf 'inspect the stick: tools/kelvo-tv inspect %q\n' "$stick"
+    fi
 }

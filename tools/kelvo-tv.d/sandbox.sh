@@ -64,7 +64,8 @@ sandbox() {
     [ "$NO_STICK" -eq 0 ] && inside+=(--usb-mounts "$MOUNT")
     [ "$NO_DAEMON" -eq 1 ] && inside+=(--no-daemon)
     [ "$MONITOR" -eq 1 ] && inside+=(--monitor)
-    [ "$VERBOSE" -eq 1 ] && inside+=(--verbose)
+    # Every log line with -v; by default the milestones, the whole log staying in OUT.
+    if [ "$VERBOSE" -eq 1 ]; then inside+=(--verbose); else inside+=(--milestones); fi
     if is_sanitized_build "$BUILD_DIR"; then
         inside+=(--sanitized --asan-options "${ASAN_OPTIONS:-}" --ubsan-options "${UBSAN_OPTIONS:-}")
     fi

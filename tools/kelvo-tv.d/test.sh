@@ -21,7 +21,7 @@ check_format() {
 
 check_scripts() {
     note "checking the shell scripts (shellcheck)"
-    (cd "$ROOT" && { printf '%s\0' tools/kelvo-tv .ci/run; tree_files 'tools/kelvo-tv.d/*.sh' 'tests/*.sh'; } \
+    (cd "$ROOT" && { printf '%s\0' tools/kelvo-tv .ci/run; tree_files 'tools/kelvo-tv.d/*.sh' 'tools/launch/*.sh' 'tests/*.sh'; } \
         | xargs -0 -r shellcheck -x)
 }
 

@@ -1,5 +1,7 @@
 #include "BoundedLog.h"
 
+#include "Milestones.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -25,7 +27,7 @@ void KelvoBoundedLog::Take(const char *data, size_t size)
         m_WriteAll(m_fileFd, "\n", 1);
     m_WriteAll(m_fileFd, kTruncatedLine, strlen(kTruncatedLine));
     Finish();
-    m_WriteAll(m_terminalFd, kTruncatedLine, strlen(kTruncatedLine));
+    m_ShowLine(kTruncatedLine);
 }
 
 void KelvoBoundedLog::Finish()
@@ -56,7 +58,11 @@ void KelvoBoundedLog::m_Keep(const char *data, size_t size)
             m_partial.append(p, end);
             break;
         }
-        if (m_partial.empty()) {
+        if (m_milestones) {
+            m_partial.append(p, newline + 1);
+            m_milestones->Line(m_partial);
+            m_partial.clear();
+        } else if (m_partial.empty()) {
             if (m_Shows(p))
                 shown.append(p, newline + 1);
         } else {
@@ -77,6 +83,10 @@ bool KelvoBoundedLog::m_Shows(const char *line) const
 
 void KelvoBoundedLog::m_ShowLine(const std::string &line)
 {
+    if (m_milestones) {
+        m_milestones->Line(line);
+        return;
+    }
     if (m_Shows(line.c_str()))
         m_WriteAll(m_terminalFd, line.data(), line.size());
 }

@@ -8,12 +8,16 @@
 #include <cstddef>
 #include <string>
 
+class KelvoMilestones;
+
 class KelvoBoundedLog {
 public:
     static constexpr const char *kTruncatedLine = "\u2026 log truncated \u2026\n";
 
     // fileFd and terminalFd may be -1 (no file, no terminal). limit: bytes of output kept.
     KelvoBoundedLog(int fileFd, int terminalFd, unsigned long long limit, bool showDebug);
+    // The lines that would reach the terminal go to these milestones instead (null: the terminal).
+    void ShowMilestones(KelvoMilestones *milestones) { m_milestones = milestones; }
     void Take(const char *data, size_t size);
     // Shows a last line without its newline, once the process has closed its output.
     void Finish();
@@ -34,6 +38,7 @@ private:
     bool m_truncated = false;
     bool m_endsWithNewline = true;
     std::string m_partial;
+    KelvoMilestones *m_milestones = nullptr;
 };
 
 #endif

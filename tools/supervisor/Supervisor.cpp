@@ -21,6 +21,7 @@
 #include <unistd.h>
 
 #include "BoundedLog.h"
+#include "Milestones.h"
 
 extern char **environ;
 
@@ -269,6 +270,9 @@ int KelvoSupervisor::m_RunCaptured()
     }
 
     KelvoBoundedLog log(logFd, STDOUT_FILENO, m_options.logLimit, m_options.verbose);
+    KelvoMilestones milestones(STDOUT_FILENO, isatty(STDOUT_FILENO) == 1);
+    if (m_options.milestones)
+        log.ShowMilestones(&milestones);
     Clock::time_point limit = Clock::now() + std::chrono::seconds(m_options.timeout);
     Clock::time_point exitedAt;
     bool timedOut = false, killed = false, exited = false, eof = false;
@@ -306,6 +310,7 @@ int KelvoSupervisor::m_RunCaptured()
         }
     }
     log.Finish();
+    milestones.Finish();
     close(fds[0]);
     close(logFd);
 

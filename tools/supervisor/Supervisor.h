@@ -24,6 +24,7 @@ struct KelvoSupervisorOptions {
     bool daemon = true;
     bool monitor = false;
     bool verbose = false;
+    bool milestones = false;  // show the run's milestones instead of its log lines
     bool sanitized = false;
     std::string asanOptions;
     std::string ubsanOptions;

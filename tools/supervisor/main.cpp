@@ -33,6 +33,8 @@ void Usage(FILE *to)
                  "  --timeout SECONDS   run-time limit (default 60); exit status 124 when it ends the process\n"
                  "  --log-limit BYTES   output kept in OUT/kelvo-util.log and shown (default 64 MiB)\n"
                  "  --verbose           show debug lines (D/...) too; they are always in the log\n"
+                 "  --milestones        show the run's milestones (branch, phases with row counts, result)\n"
+                 "                      instead of its log lines; counts update in place on a terminal\n"
                  "  --sanitized         the build uses ASan/UBSan; --asan-options/--ubsan-options TEXT add to\n"
                  "                      the options the processes get\n"
                  "  --shell             an interactive shell instead of kelvo-util\n"
@@ -109,6 +111,8 @@ bool ParseOptions(int argc, char **argv, KelvoSupervisorOptions &options, bool &
             options.monitor = true;
         } else if (arg == "--verbose") {
             options.verbose = true;
+        } else if (arg == "--milestones") {
+            options.milestones = true;
         } else if (arg == "--sanitized") {
             options.sanitized = true;
         } else if (arg == "--shell") {
