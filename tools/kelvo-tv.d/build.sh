@@ -11,6 +11,7 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           systemd                    # busctl
           shellcheck clang-format    # the checks of kelvo-tv test
           clang clang-tidy libclang-rt-14-dev)  # static analysis, ThreadSanitizer, fuzzing
+PACKAGES+=(xmltv-util)                 # tv_validate_file checks the inspector's XMLTV
 
 ensure_packages() {
     local missing=() p
