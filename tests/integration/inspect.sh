@@ -130,6 +130,10 @@ made_database() {
         grep -qzF $'<title>(no title)</title>\n  </programme>' "$C/guide.xml"
     ok "a source without a TV service is a channel of its own" grep -qF '<channel id="777.source.kelvo">' "$C/guide.xml"
 
+    inspect --xmltv "$db" "$STICK" >/dev/null 2>"$C/inspect.err"
+    eq "--xmltv naming the database itself: exit status" 1 "$?"
+    eq "--xmltv naming the database itself: the stick is as it was" "$before" "$(stick_state)"
+
     inspect "$STICK" >"$C/summary.txt"
     ok "the text names the lost id and how far off it may be" grep -qF \
         'programRF: service ~9223372036854775808, stored as 9.2233720368547758e+18: the id lay within 1024 of it: 1 row' "$C/summary.txt"

@@ -3,6 +3,7 @@
 #define KELVO_TOOLS_INSPECTREPORT_H
 
 #include <cstddef>
+#include <ostream>
 #include <string>
 
 #include <json/json.h>
@@ -29,7 +30,7 @@ public:
         size_t untimed = 0;  // rows left out: without a usable start or duration
     };
 
-    static std::string Document(const KelvoInspectDump &dump, Counts &counts);
+    static void Write(const KelvoInspectDump &dump, std::ostream &to, Counts &counts);
     // Text for an element or an attribute value: cleaned, then &, <, > and " escaped.
     static std::string Escape(const std::string &text);
     // XMLTV's time: "20261123203105 +0000".

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <ctime>
 #include <map>
+#include <ostream>
 #include <tuple>
 #include <vector>
 
@@ -61,7 +62,7 @@ void Element(std::string &out, const char *name, const std::string &text, const 
 
 }  // namespace
 
-std::string KelvoInspectXmltv::Document(const KelvoInspectDump &dump, Counts &counts)
+void KelvoInspectXmltv::Write(const KelvoInspectDump &dump, std::ostream &to, Counts &counts)
 {
     counts = Counts();
     std::map<ChannelKey, Channel> channels;
@@ -78,22 +79,20 @@ std::string KelvoInspectXmltv::Document(const KelvoInspectDump &dump, Counts &co
             found->second.programmes.push_back(&row);
         }
 
-    std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<!DOCTYPE tv SYSTEM \"xmltv.dtd\">\n"
-                      "<tv source-info-name=\"kelvoutilInfo.db\" generator-info-name=\"kelvo-inspect\">\n";
-    for (const auto &entry : channels) {
-        out += "  <channel id=\"" + Escape(entry.second.id) + "\">\n";
-        out += "    <display-name>" + Escape(entry.second.name) + "</display-name>\n";
-        out += "  </channel>\n";
-    }
+    to << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+          "<!DOCTYPE tv SYSTEM \"xmltv.dtd\">\n"
+          "<tv source-info-name=\"kelvoutilInfo.db\" generator-info-name=\"kelvo-inspect\">\n";
+    for (const auto &entry : channels)
+        to << "  <channel id=\"" << Escape(entry.second.id) << "\">\n    <display-name>" << Escape(entry.second.name)
+           << "</display-name>\n  </channel>\n";
     for (auto &entry : channels) {
         std::vector<const KelvoInspectProgramme *> &programmes = entry.second.programmes;
         std::stable_sort(
             programmes.begin(), programmes.end(),
             [](const KelvoInspectProgramme *a, const KelvoInspectProgramme *b) { return a->start < b->start; });
         for (const KelvoInspectProgramme *row : programmes) {
-            out += "  <programme start=\"" + Time(row->start) + "\" stop=\"" + Time(row->End()) + "\" channel=\"" +
-                   Escape(entry.second.id) + "\">\n";
+            std::string out = "  <programme start=\"" + Time(row->start) + "\" stop=\"" + Time(row->End()) +
+                              "\" channel=\"" + Escape(entry.second.id) + "\">\n";
             // XMLTV wants a title in every programme and no empty description.
             if (Blank(KelvoInspectText::Clean(row->title, true)))
                 Element(out, "title", "(no title)", "");
@@ -102,12 +101,12 @@ std::string KelvoInspectXmltv::Document(const KelvoInspectDump &dump, Counts &co
             if (!Blank(KelvoInspectText::Clean(row->description, true)))
                 Element(out, "desc", row->description, row->language);
             out += "  </programme>\n";
+            to << out;
             ++counts.programmes;
         }
     }
-    out += "</tv>\n";
+    to << "</tv>\n";
     counts.channels = channels.size();
-    return out;
 }
 
 std::string KelvoInspectXmltv::Escape(const std::string &text)

@@ -5,6 +5,8 @@
 #include <iostream>
 #include <string>
 
+#include <sys/stat.h>
+
 #include "InspectReport.h"
 
 namespace {
@@ -15,6 +17,14 @@ void Usage(FILE *to)
                      "  --json        the summary as JSON\n"
                      "  --xmltv FILE  also write the guide of both tables to FILE as an XMLTV document\n"
                      "Exit status: 0, 1 when the database is missing, empty or damaged, 2 on a usage error.\n");
+}
+
+bool SameFile(const std::string &a, const std::string &b)
+{
+    struct stat first {};
+    struct stat second {};
+    return !b.empty() && stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 int Fail(const std::string &why)
@@ -60,10 +70,11 @@ int main(int argc, char **argv)
 
     std::string xmltvLine;
     if (!xmltv.empty()) {
+        if (SameFile(xmltv, dump.databasePath) || SameFile(xmltv, dump.timeFile))
+            return Fail(xmltv + ": that is the dump's own file; name another for the XMLTV document");
         KelvoInspectXmltv::Counts counts;
-        const std::string document = KelvoInspectXmltv::Document(dump, counts);
         std::ofstream out(xmltv, std::ios::binary | std::ios::trunc);
-        out << document;
+        KelvoInspectXmltv::Write(dump, out, counts);
         out.close();
         if (!out)
             return Fail(xmltv + ": cannot write the XMLTV document");
