@@ -52,11 +52,6 @@ bool DecodeUtf8(const std::string &text, size_t &i, unsigned &cp)
     return true;
 }
 
-std::string Decimal(unsigned long long value)
-{
-    return std::to_string(value);
-}
-
 // A file: URI that SQLite opens read-only and immutable: no lock, no journal, no file written.
 std::string ReadOnlyUri(const std::string &path)
 {
@@ -134,10 +129,10 @@ const std::vector<TableColumns> &Tables()
     static const std::vector<TableColumns> tables = {
         {"programRF",
          {"serviceId", "eventId", "starttime", "duration", "language", "tsid", "onid", "title", "descript"},
-         "SELECT serviceId, starttime, duration, language, title, descript, NULL, NULL FROM programRF"},
+         "SELECT serviceId, starttime, duration, language, title, descript, NULL FROM programRF"},
         {"programMETA",
          {"serviceId", "actId", "metaSrcId", "metaProgId", "starttime", "duration", "language", "title", "descript"},
-         "SELECT serviceId, starttime, duration, language, title, descript, metaSrcId, metaProgId FROM programMETA"},
+         "SELECT serviceId, starttime, duration, language, title, descript, metaSrcId FROM programMETA"},
     };
     return tables;
 }
@@ -202,7 +197,6 @@ bool ReadTable(sqlite3 *db, const TableColumns &table, std::vector<KelvoInspectP
         row.title = ColumnText(s, 4);
         row.description = ColumnText(s, 5);
         row.source = ColumnText(s, 6);
-        row.programmeId = ColumnText(s, 7);
         rows.push_back(std::move(row));
     }
     if (step != SQLITE_DONE) {
@@ -238,11 +232,6 @@ bool IsFile(const std::string &path)
     return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
-void AddStretch(std::vector<KelvoInspectStretch> &to, long long from, long long until)
-{
-    to.push_back({from, until});
-}
-
 }  // namespace
 
 KelvoInspectServiceId KelvoInspectServiceId::FromInteger(long long stored)
@@ -269,17 +258,14 @@ KelvoInspectServiceId KelvoInspectServiceId::FromReal(double stored)
         id.value = static_cast<unsigned long long>(stored);
         return id;
     }
-    // Every id from value - spread to value + spread reads back as this number.
+    // Every id from value - spread to value + spread reads back as this number: half the step to
+    // the next number above (below, for 2^64: no id lies above it).
     id.kind = EKind::kInexact;
-    double half = (std::nextafter(stored, kTwoTo64 * 2) - stored) / 2;
-    if (stored == kTwoTo64) {
-        id.value = ULLONG_MAX;
-        id.spread = static_cast<unsigned long long>((stored - std::nextafter(stored, 0)) / 2);
-        id.allOnes = true;
-    } else {
-        id.value = static_cast<unsigned long long>(stored);
-        id.spread = static_cast<unsigned long long>(half);
-    }
+    id.allOnes = stored == kTwoTo64;
+    id.value = id.allOnes ? ULLONG_MAX : static_cast<unsigned long long>(stored);
+    const double step =
+        id.allOnes ? stored - std::nextafter(stored, 0.0) : std::nextafter(stored, kTwoTo64 * 2) - stored;
+    id.spread = static_cast<unsigned long long>(step / 2);
     return id;
 }
 
@@ -294,9 +280,9 @@ std::string KelvoInspectServiceId::Shown() const
 {
     switch (kind) {
     case EKind::kExact:
-        return Decimal(value);
+        return std::to_string(value);
     case EKind::kInexact:
-        return "~" + Decimal(value);
+        return "~" + std::to_string(value);
     default:
         return "\"" + KelvoInspectText::Clean(stored, false) + "\"";
     }
@@ -305,11 +291,6 @@ std::string KelvoInspectServiceId::Shown() const
 bool KelvoInspectServiceId::operator<(const KelvoInspectServiceId &other) const
 {
     return std::tie(kind, value, stored) < std::tie(other.kind, other.value, other.stored);
-}
-
-bool KelvoInspectServiceId::operator==(const KelvoInspectServiceId &other) const
-{
-    return kind == other.kind && value == other.value && stored == other.stored;
 }
 
 bool KelvoInspectReader::Locate(const std::string &path, KelvoInspectDump &dump, std::string &error)
@@ -468,9 +449,9 @@ KelvoInspectTable KelvoInspectAnalysis::SummarizeTable(const std::string &name,
         for (size_t i = 1; i < programmes.size(); ++i) {
             const KelvoInspectProgramme &next = *programmes[i];
             if (next.start > end)
-                AddStretch(schedule.gaps, end, next.start);
+                schedule.gaps.push_back({end, next.start});
             else if (next.start < end)
-                AddStretch(schedule.overlaps, next.start, std::min(end, next.End()));
+                schedule.overlaps.push_back({next.start, std::min(end, next.End())});
             end = std::max(end, next.End());
         }
         schedule.end = end;

@@ -26,15 +26,13 @@ struct KelvoInspectServiceId {
     // How the id is shown: the decimal id, "~" and the nearest id, or the stored text quoted.
     std::string Shown() const;
     bool operator<(const KelvoInspectServiceId &other) const;
-    bool operator==(const KelvoInspectServiceId &other) const;
 };
 
 // One row of programRF or programMETA. A row is timed when its start and duration are whole
 // numbers in the range of a calendar (start from 1970 to 9999, duration not negative).
 struct KelvoInspectProgramme {
     KelvoInspectServiceId service;
-    std::string source;       // programMETA: metaSrcId
-    std::string programmeId;  // programMETA: metaProgId
+    std::string source;  // programMETA: metaSrcId
     bool timed = false;
     long long start = 0;
     long long duration = 0;
