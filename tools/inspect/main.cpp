@@ -81,7 +81,7 @@ int main(int argc, char **argv)
         xmltvLine = "XMLTV: " + std::to_string(counts.channels) + " channels, " + std::to_string(counts.programmes) +
                     " programmes in " + xmltv;
         if (counts.untimed > 0)
-            xmltvLine += " (" + std::to_string(counts.untimed) + " rows without a usable time left out)";
+            xmltvLine += " (left out: " + std::to_string(counts.untimed) + " without a usable time)";
     }
 
     if (json) {
