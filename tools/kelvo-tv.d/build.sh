@@ -12,7 +12,8 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           shellcheck clang-format    # the checks of kelvo-tv test
           clang clang-tidy libclang-rt-14-dev  # static analysis, ThreadSanitizer, fuzzing
           xvfb dunst                 # a real notification server under an X server of its own
-          udev)                      # udev.pc: where the launch rule is installed
+          udev                       # udev.pc: where the launch rule is installed
+          xmltv-util)                # tv_validate_file checks the inspector's XMLTV
 
 ensure_packages() {
     local missing=() p

@@ -114,3 +114,18 @@ cmd_bench() {
     echo "== RATIO summary (1.0 is the limit; lower is better) =="
     grep -v '^$' <<<"$ratios" | awk '{ printf "  %-40s %s\n", $2, $3 }' || true
 }
+
+# inspect PATH [--json] [--xmltv FILE]: what a dump holds (kelvo-inspect), read-only, outside the
+# sandbox: it only reads the stick.
+INSPECT_PATH=""
+INSPECT_JSON=0
+INSPECT_XMLTV=""
+cmd_inspect() {
+    [ -n "$INSPECT_PATH" ] || die "inspect needs a PATH: a stick, its DumpMWDB folder or a kelvoutilInfo.db"
+    prepare_build
+    local inspect="$BUILD_DIR/tools/inspect/kelvo-inspect" args=()
+    [ -x "$inspect" ] || die "the inspector is not built ($inspect)"
+    [ "$INSPECT_JSON" -eq 1 ] && args+=(--json)
+    [ -n "$INSPECT_XMLTV" ] && args+=(--xmltv "$INSPECT_XMLTV")
+    exec "$inspect" "${args[@]}" "$INSPECT_PATH"
+}
