@@ -1,5 +1,5 @@
 // A content's rating on the simulated TV: the country code comes from the TV's control folder
-// through the host's product specification, as on a set made with kelvo-tv-gen --country.
+// through the host's product information, as on a set made with kelvo-tv-gen --country.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
