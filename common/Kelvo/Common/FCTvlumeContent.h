@@ -29,7 +29,7 @@ public:
     };
 
     FCTvlumePlaylistItem();
-    FCTvlumePlaylistItem(const Json::Value &json);  // NOLINT(google-explicit-constructor): the daemon's records convert
+    FCTvlumePlaylistItem(const Json::Value &json);
     FCTvlumePlaylistItem(const FCTvlumePlaylistItem &) = default;
     FCTvlumePlaylistItem &operator=(const FCTvlumePlaylistItem &) = default;
     FCTvlumePlaylistItem(FCTvlumePlaylistItem &&) = default;
@@ -66,7 +66,7 @@ private:
 class FCTvlumeContent {
 public:
     FCTvlumeContent();
-    FCTvlumeContent(const Json::Value &json);  // NOLINT(google-explicit-constructor): as the item
+    FCTvlumeContent(const Json::Value &json);
     FCTvlumeContent(const FCTvlumeContent &) = default;
     FCTvlumeContent &operator=(const FCTvlumeContent &) = default;
     FCTvlumeContent(FCTvlumeContent &&) = default;
@@ -139,7 +139,7 @@ protected:
 class FCTvlumeSchedule {
 public:
     FCTvlumeSchedule();
-    FCTvlumeSchedule(const Json::Value &json);  // NOLINT(google-explicit-constructor): as the item
+    FCTvlumeSchedule(const Json::Value &json);
     FCTvlumeSchedule(const FCTvlumeSchedule &) = default;
     FCTvlumeSchedule &operator=(const FCTvlumeSchedule &) = default;
     FCTvlumeSchedule(FCTvlumeSchedule &&) = default;
