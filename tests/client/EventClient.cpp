@@ -72,7 +72,7 @@ int main()
     FCEMSProxy *proxy = nullptr;
     // The plugin subscriptions' user data, never freed: the dispatch thread may deliver while the
     // process exits.
-    auto *tags = new std::deque<std::string>;
+    static auto *const tags = new std::deque<std::string>;
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream in(line);
         std::string command, what;
