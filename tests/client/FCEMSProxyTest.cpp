@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "FCEMSProxy.h"
-#include "FakeEvents.h"
+#include "FakeCall.h"
 
 namespace {
 

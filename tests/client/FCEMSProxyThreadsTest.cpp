@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "FCEMSProxy.h"
-#include "FakeEvents.h"
+#include "FakeCall.h"
 
 namespace {
 
