@@ -96,3 +96,91 @@ extern "C" void DisposeCallResult(KelvoCallResult *result)
     std::free(result->data);
     std::free(result);
 }
+
+// ---- events ----
+
+namespace {
+
+std::mutex g_eventLock;
+std::vector<FakeEvents::EventCall> g_eventCalls;
+std::map<std::string, int> g_eventStatuses;
+
+int RecordEvent(const char *function, int event, const void *pointer)
+{
+    std::lock_guard<std::mutex> guard(g_eventLock);
+    g_eventCalls.push_back({function, event, pointer});
+    auto found = g_eventStatuses.find(function);
+    return found == g_eventStatuses.end() ? 0 : found->second;
+}
+
+template <typename Callback>
+const void *Address(Callback callback)
+{
+    return reinterpret_cast<const void *>(callback);
+}
+
+}  // namespace
+
+namespace FakeEvents {
+
+void Reset()
+{
+    std::lock_guard<std::mutex> guard(g_eventLock);
+    g_eventCalls.clear();
+    g_eventStatuses.clear();
+}
+
+void SetStatus(const std::string &function, int status)
+{
+    std::lock_guard<std::mutex> guard(g_eventLock);
+    g_eventStatuses[function] = status;
+}
+
+std::vector<EventCall> Calls()
+{
+    std::lock_guard<std::mutex> guard(g_eventLock);
+    return g_eventCalls;
+}
+
+}  // namespace FakeEvents
+
+extern "C" {
+
+int RegisterKelvoCallBack_CPP(KelvoEventCallback_CPP callback)
+{
+    return RecordEvent(__func__, 0, Address(callback));
+}
+int RegisterKelvoCallBack(KelvoEventCallback callback)
+{
+    return RecordEvent(__func__, 0, Address(callback));
+}
+int RegisterKelvoCallBack_Plugin(KelvoEventCallback_Plugin callback)
+{
+    return RecordEvent(__func__, 0, Address(callback));
+}
+int SubscribeKelvoEventForCPP(int event)
+{
+    return RecordEvent(__func__, event, nullptr);
+}
+int SubscribeKelvoEvent(int event)
+{
+    return RecordEvent(__func__, event, nullptr);
+}
+int SubscribeKelvoEventForPlugin(int event, void *userData)
+{
+    return RecordEvent(__func__, event, userData);
+}
+int UnSubsribeKelvoEventForCPP(int event)
+{
+    return RecordEvent(__func__, event, nullptr);
+}
+int UnSubsribeKelvoEvent(int event)
+{
+    return RecordEvent(__func__, event, nullptr);
+}
+int UnSubsribeKelvoEventForPlugin(int event)
+{
+    return RecordEvent(__func__, event, nullptr);
+}
+
+}  // extern "C"

@@ -1,5 +1,6 @@
-// Stands in for the content daemon's D-Bus proxy library (Call / DisposeCallResult): records
-// every call and answers from a script per method. Thread-safe.
+// Stands in for the content daemon's D-Bus proxy library: Call / DisposeCallResult record every
+// call and answer from a script per method; the event functions record every registration,
+// subscription and unsubscription and return a status set per function. Thread-safe.
 #ifndef KELVO_TESTS_FAKE_CALL_H
 #define KELVO_TESTS_FAKE_CALL_H
 
@@ -36,5 +37,23 @@ std::vector<std::string> Arguments(const std::string &method);
 int Outstanding();
 
 }  // namespace FakeCall
+
+// The event functions.
+namespace FakeEvents {
+
+// function: the platform function's name; event: its event (0 for a registration); pointer: the
+// callback registered, or the user data of a plugin subscription.
+struct EventCall {
+    std::string function;
+    int event;
+    const void *pointer;
+};
+
+// Forgets the calls and the statuses; every function then returns 0.
+void Reset();
+void SetStatus(const std::string &function, int status);
+std::vector<EventCall> Calls();
+
+}  // namespace FakeEvents
 
 #endif

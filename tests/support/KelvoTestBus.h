@@ -64,6 +64,12 @@ public:
         return m_Control({"SetScript", "ss", method, entry});
     }
     bool ClearScript() { return m_Control({"ClearScript"}); }
+    // The simulator raises an event; "--" keeps busctl from reading a negative number as an option.
+    bool EmitEvent(int event, int param1, int param2, int param3, const std::string &data)
+    {
+        return m_Control({"--", "EmitEvent", "iiiis", std::to_string(event), std::to_string(param1),
+                          std::to_string(param2), std::to_string(param3), data});
+    }
 
     using RecordList = std::vector<std::pair<std::string, std::string>>;
     // (method, argument) of every request since the last ClearRecords, from the record file, which

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -27,6 +28,7 @@ const char *const kBusName = KelvoDaemonBus::kBusName;
 const char *const kObjectPath = KelvoDaemonBus::kObjectPath;
 const char *const kProvider = KelvoDaemonBus::kProviderInterface;
 const char *const kControl = KelvoDaemonBus::kControlInterface;
+const char *const kEvent = KelvoDaemonBus::kEventInterface;
 const char *const kIntrospectable = "org.freedesktop.DBus.Introspectable";
 const Json::ArrayIndex kMaxRecordsInMemory = 100000;
 
@@ -253,7 +255,30 @@ private:
             m_records = Json::Value(Json::arrayValue);
             return sd_bus_reply_method_return(m, "");
         }
+        if (strcmp(member, "EmitEvent") == 0)
+            return m_EmitEvent(m, error);
         return sd_bus_error_setf(error, SD_BUS_ERROR_UNKNOWN_METHOD, "Unknown method %s", member);
+    }
+
+    // Raises one event as the daemon does, then answers when it was raised (CLOCK_MONOTONIC, in
+    // nanoseconds), from which a measurement takes the time the event took to arrive.
+    int m_EmitEvent(sd_bus_message *m, sd_bus_error *error)
+    {
+        int event = 0;
+        int params[3] = {0, 0, 0};
+        const char *data = nullptr;
+        if (sd_bus_message_read(m, "iiiis", &event, &params[0], &params[1], &params[2], &data) < 0) {
+            return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS,
+                                     "EmitEvent takes (event, param1, param2, param3, data)");
+        }
+        struct timespec now;
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        const uint64_t emitted = static_cast<uint64_t>(now.tv_sec) * 1000000000ULL + static_cast<uint64_t>(now.tv_nsec);
+        int r = sd_bus_emit_signal(sd_bus_message_get_bus(m), kObjectPath, kEvent, KelvoDaemonBus::kEventSignal,
+                                   "siiis", std::to_string(event).c_str(), params[0], params[1], params[2], data);
+        if (r < 0)
+            return sd_bus_error_set_errno(error, r);
+        return sd_bus_reply_method_return(m, "t", emitted);
     }
 
     void m_Record(const char *method, const char *argument)

@@ -79,14 +79,15 @@ cmd_daemon() {
     fi
     resolve_fixture
     # Where the daemon lives on the bus, as the host's Call has it.
-    local key value name="" path="" provider=""
+    local key value name="" path="" provider="" control=""
     while read -r key value; do
-        case "$key" in name) name=$value ;; path) path=$value ;; provider) provider=$value ;; esac
+        case "$key" in name) name=$value ;; path) path=$value ;; provider) provider=$value ;; control) control=$value ;; esac
     done < <("$(supervisor)" --print-bus-names)
     local args=()
     [ -n "$FIXTURE" ] && args+=(--fixture "$FIXTURE")
     note "$name on your session bus${FIXTURE:+, fixture $FIXTURE}; try:"
     note "  busctl --user call $name $path $provider GetFullProgramSourceIdList s '{\"activityID\":0}'"
+    note "  busctl --user call $name $path $control EmitEvent iiiis 7 1 2 3 'text'   # raises event 7"
     exec "$daemon" "${args[@]}"
 }
 
