@@ -58,6 +58,26 @@ struct Site {
     bool (*parseReturn)(std::string &text) = FCJsonHelper::ParseReturnBoolean;
 };
 
+// The call functions of a proxy that reports failures under its own source file and class, and
+// its site: a failed call leaves the outputs untouched, a reply that does not parse reads as empty.
+// A proxy names its origin once: constexpr FCCallHelper::Origin kOrigin{__FILE__, __LINE__, "Class"}.
+template <const FCCallHelper::Origin &kOrigin>
+struct OwnCalls {
+    static bool RemoteCallWithStringArguments(const char *method, const std::string &in, std::string &out)
+    {
+        return FCCallHelper::RemoteCallWithStringArguments(kOrigin, method, in, out);
+    }
+    static bool RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out)
+    {
+        return FCCallHelper::RemoteCallWithJsonArguments(kOrigin, method, in, out);
+    }
+    static bool ParseReturnValue(std::string &text) { return FCCallHelper::ParseReturnValue(kOrigin, text); }
+};
+
+template <const FCCallHelper::Origin &kOrigin>
+inline constexpr Site kOwnSite{OwnCalls<kOrigin>::RemoteCallWithJsonArguments, false,
+                               OwnCalls<kOrigin>::RemoteCallWithStringArguments, OwnCalls<kOrigin>::ParseReturnValue};
+
 // The remote-content services: the shared exchange, outputs read also after a failure.
 inline constexpr Site kShared{FCCallHelper::RemoteCallWithJsonArguments, true};
 // As kShared, but a failed call leaves the outputs untouched.
