@@ -64,6 +64,8 @@ public:
         return m_Control({"SetScript", "ss", method, entry});
     }
     bool ClearScript() { return m_Control({"ClearScript"}); }
+    // Answers as a daemon without the newest methods, or not.
+    bool SetOlder(bool older) { return m_Control({"SetOlder", "b", older ? "true" : "false"}); }
 
     using RecordList = std::vector<std::pair<std::string, std::string>>;
     // (method, argument) of every request since the last ClearRecords, from the record file, which
