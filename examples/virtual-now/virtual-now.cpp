@@ -40,8 +40,8 @@ std::string Clock(unsigned long seconds)
     time_t t = static_cast<time_t>(seconds);
     struct tm tm = {};
     gmtime_r(&t, &tm);
-    char text[8];
-    strftime(text, sizeof text, "%H:%M", &tm);
+    char text[16];
+    strftime(text, sizeof text, "%H:%M:%S", &tm);
     return text;
 }
 
@@ -89,7 +89,7 @@ int main()
     FCAPI::Initialize();
     FCVirtualChannelsAPI *channels = FCAPI::GetVirtualChannelsAPI();
     const unsigned long now = static_cast<unsigned long>(time(nullptr));
-    std::printf("now: %s UTC\n", Clock(now).c_str());
+    std::printf("now: %s UTC (%lu)\n", Clock(now).c_str(), now);
     int virtualChannels = 0, playing = 0;
     for (TCServiceData *service : found) {
         const unsigned long long id = static_cast<unsigned long long>(service->Get(kServiceIdField));
