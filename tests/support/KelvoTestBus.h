@@ -70,6 +70,8 @@ public:
         return m_Control({"--", "EmitEvent", "iiiis", std::to_string(event), std::to_string(param1),
                           std::to_string(param2), std::to_string(param3), data});
     }
+    // Answers as a daemon without the newest methods, or not.
+    bool SetOlder(bool older) { return m_Control({"SetOlder", "b", older ? "true" : "false"}); }
 
     using RecordList = std::vector<std::pair<std::string, std::string>>;
     // (method, argument) of every request since the last ClearRecords, from the record file, which

@@ -46,9 +46,9 @@ TEST(DaemonIntrospection, ProviderInterfaceListsExactlyTheSimulatorsMethods)
 
 TEST(DaemonIntrospection, ControlInterfaceIsDeclaredUnderItsBusName)
 {
-    EXPECT_EQ(
-        MethodsOf(ReadXml(), KelvoDaemonBus::kControlInterface),
-        (std::set<std::string>{"ClearRecords", "ClearScript", "EmitEvent", "GetRecords", "SetFixture", "SetScript"}));
+    EXPECT_EQ(MethodsOf(ReadXml(), KelvoDaemonBus::kControlInterface),
+              (std::set<std::string>{"ClearRecords", "ClearScript", "EmitEvent", "GetRecords", "SetFixture",
+                                     "SetScript", "SetOlder"}));
 }
 
 TEST(DaemonIntrospection, EveryProviderMethodTakesOneStringAndReturnsOne)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <utility>
@@ -120,7 +121,56 @@ long long DurationOf(const Json::Value &programme)
     X("GetRemoteChannelByChannelNumber", m_GetChannelByNumber)                                                         \
     X("GetRemoteProgramByKeyword", m_GetProgramsByKeyword)                                                             \
     X("GetRemoteProgramByTitle", m_GetProgramsByTitle)                                                                 \
-    X("GetRemoteProgramByDescription", m_GetProgramsByDescription)
+    X("GetRemoteProgramByDescription", m_GetProgramsByDescription)                                                     \
+    X("GetProgramList", m_GetProgramList)                                                                              \
+    X("GetProgram", m_GetVirtualProgram)                                                                               \
+    X("GetProgramWithIndicator", m_GetProgramWithIndicator)                                                            \
+    X("GetPresentProgram", m_GetPresentProgram)                                                                        \
+    X("GetTVLumeProgramOnColdBoot", m_GetPresentProgram)                                                               \
+    X("GetChannelLogo", m_GetChannelLogo)                                                                              \
+    X("GetProgramThumbnail", m_GetProgramImage)                                                                        \
+    X("GetProgramBackground", m_GetProgramImage)                                                                       \
+    X("GetProgramImage", m_GetProgramImage)                                                                            \
+    X("GetServiceIdFromOnTVProviderAndService", m_GetServiceIdFromOnTV)                                                \
+    X("SendLogKPI", m_Reset)                                                                                           \
+    X("RestartTvlumeInfo", m_Reset)                                                                                    \
+    X("RecoverDeletedTvlumeServices", m_Reset)                                                                         \
+    X("TVLumeProgramInfoIsAvailable", m_ProgramInfoIsAvailable)                                                        \
+    X("SetDeepLink", m_SetDeepLink)                                                                                    \
+    X("GetDeepLink", m_GetDeepLink)                                                                                    \
+    X("GetTvlumePreviewData", m_GetPreviewData)                                                                        \
+    X("SetDataServiceType", m_SetDataServiceType)                                                                      \
+    X("GetDataServiceType", m_GetDataServiceType)                                                                      \
+    X("LaunchTVLumeHomeScreen", m_LaunchHomeScreen)                                                                    \
+    X("GetViewingAgreement", m_Switch)                                                                                 \
+    X("SetMyTvlume", m_Switch)                                                                                         \
+    X("GetMyTvlume", m_Switch)                                                                                         \
+    X("SetTVLumeOnOff", m_Switch)                                                                                      \
+    X("SetHomeScreenFlag", m_Switch)                                                                                   \
+    X("GetHomeScreenFlag", m_Switch)                                                                                   \
+    X("IsTVLumeLaunched", m_Switch)                                                                                    \
+    X("LaunchedTVLumeWebApp", m_Switch)                                                                                \
+    X("IsFirstEntryToTvlume", m_Switch)                                                                                \
+    X("IsInstantOn", m_Switch)                                                                                         \
+    X("EnterTVLumeWebApp", m_Switch)                                                                                   \
+    X("BlockOnChLeave", m_Switch)                                                                                      \
+    X("BlockClear", m_Switch)                                                                                          \
+    X("CheckDoNotSendTuneSuccess", m_Switch)                                                                           \
+    X("EnterFullPage", m_Switch)                                                                                       \
+    X("ExitFullPage", m_Switch)                                                                                        \
+    X("IsEnterFullPage", m_Switch)                                                                                     \
+    X("NotifyPepperPluginIsDown", m_Switch)                                                                            \
+    X("SetUnlockedFlag", m_Switch)                                                                                     \
+    X("SetUnlockedInfo", m_Switch)                                                                                     \
+    X("UnMuteRatingLockByPinCode", m_Switch)                                                                           \
+    X("ResetTemporalUnLockStatus", m_Switch)                                                                           \
+    X("ResetTemporalUnLockStatusWhenChannelChange", m_Switch)                                                          \
+    X("CheckRatingLockATSC", m_CheckRatingLock)                                                                        \
+    X("CheckTVLumeRatingLock", m_CheckRatingLock)                                                                      \
+    X("NotifyContentIsChanged", m_NotifyContentIsChanged)                                                              \
+    X("GetAppIDAndURL", m_GetAppIdAndUrl)                                                                              \
+    X("GetAppIDAndURLAndVersion", m_GetAppIdAndUrl)                                                                    \
+    X("GetRatingInfo", m_GetRatingInfo)
 
 const std::map<std::string, KelvoSimContent::Handler> &KelvoSimContent::m_Handlers()
 {
@@ -156,11 +206,12 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
     const struct {
         const char *key;
         Json::ValueType type;
-    } kinds[] = {{"channels", Json::arrayValue},     {"genres", Json::arrayValue},
-                 {"programs", Json::objectValue},    {"sourceToService", Json::objectValue},
-                 {"msoConfig", Json::objectValue},   {"certRule", Json::objectValue},
-                 {"vodProviders", Json::arrayValue}, {"countryLang", Json::objectValue},
-                 {"channelCRC", Json::stringValue},  {"version", Json::stringValue}};
+    } kinds[] = {{"channels", Json::arrayValue},        {"genres", Json::arrayValue},
+                 {"programs", Json::objectValue},       {"sourceToService", Json::objectValue},
+                 {"msoConfig", Json::objectValue},      {"certRule", Json::objectValue},
+                 {"vodProviders", Json::arrayValue},    {"countryLang", Json::objectValue},
+                 {"channelCRC", Json::stringValue},     {"version", Json::stringValue},
+                 {"virtualChannels", Json::arrayValue}, {"tvlume", Json::objectValue}};
     for (const auto &kind : kinds) {
         if (fixture.isMember(kind.key) && fixture[kind.key].type() != kind.type) {
             error = std::string("fixture member \"") + kind.key + "\" has the wrong kind";
@@ -186,6 +237,7 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
         for (const auto &programme : *source)
             pieces.push_back({static_cast<long long>(StartOf(programme)), ToCompactText(programme)});
     }
+    m_LoadVirtual(m_fixture);
     return true;
 }
 
@@ -206,7 +258,7 @@ bool KelvoSimContent::AnswerText(const std::string &method, const std::string &a
         Json::Value reply;
         if (!Answer(method, argumentText, reply))
             return false;
-        text = ToCompactText(reply);
+        text = m_plainReply ? m_plainReplyText : ToCompactText(reply);
         return true;
     }
     // As ToCompactText writes m_GetProgramMap's reply: members in key order, no spaces.
@@ -232,8 +284,12 @@ bool KelvoSimContent::AnswerText(const std::string &method, const std::string &a
 bool KelvoSimContent::Answer(const std::string &method, const std::string &argumentText, Json::Value &reply)
 {
     auto it = m_Handlers().find(method);
-    if (it == m_Handlers().end())
+    // An older daemon does not know the streaming service's unlock information yet.
+    if (it == m_Handlers().end() || (m_older && method == "SetUnlockedInfo"))
         return false;
+    m_method = method;
+    m_argumentText = argumentText;
+    m_plainReply = false;
     Json::Value in;
     m_ParseArgument(argumentText, in);
     reply = Json::Value(Json::objectValue);
@@ -592,4 +648,346 @@ void KelvoSimContent::m_GetProgramsByTitle(Json::Value &in, Json::Value &out)
 void KelvoSimContent::m_GetProgramsByDescription(Json::Value &in, Json::Value &out)
 {
     m_SearchPrograms(in, out, false, true);
+}
+
+// ---- the streaming service's virtual channels and its control ----
+
+namespace {
+
+// "starttime" of a virtual programme: W3C date-time text in UTC, or a number of seconds.
+unsigned long long VirtualStart(const Json::Value &programme)
+{
+    const std::string text = Str(programme, "starttime");
+    struct tm tm = {};
+    const char *end = strptime(text.c_str(), "%Y-%m-%dT%H:%M:%S", &tm);
+    if (end != nullptr)
+        return static_cast<unsigned long long>(timegm(&tm));
+    long long seconds = Num(programme, "starttime");
+    return seconds < 0 ? 0 : static_cast<unsigned long long>(seconds);
+}
+
+unsigned long long VirtualEnd(const Json::Value &programme)
+{
+    return VirtualStart(programme) + static_cast<unsigned long long>(std::max(0LL, Num(programme, "duration")));
+}
+
+bool Flag(const Json::Value &object, const char *key)
+{
+    const Json::Value &v = Member(object, key);
+    return v.isBool() ? v.asBool() : Num(object, key) != 0;
+}
+
+// What each switch method does with its flag in m_switches: answer it, set it from the request's
+// "ret", set or clear it, or answer it once and clear it.
+enum class SwitchAction { kGet, kSetFromRequest, kSet, kClear, kGetOnce };
+struct SwitchRow {
+    const char *method;
+    const char *flag;
+    SwitchAction action;
+};
+const SwitchRow kSwitchRows[] = {
+    {"GetViewingAgreement", "viewingAgreement", SwitchAction::kGet},
+    {"SetMyTvlume", "myTvlume", SwitchAction::kSetFromRequest},
+    {"GetMyTvlume", "myTvlume", SwitchAction::kGet},
+    {"SetTVLumeOnOff", "tvlumeOn", SwitchAction::kSetFromRequest},
+    {"SetHomeScreenFlag", "homeScreen", SwitchAction::kSetFromRequest},
+    {"GetHomeScreenFlag", "homeScreen", SwitchAction::kGet},
+    {"IsTVLumeLaunched", "launched", SwitchAction::kGet},
+    {"LaunchedTVLumeWebApp", "webAppLaunched", SwitchAction::kSet},
+    {"IsFirstEntryToTvlume", "firstEntry", SwitchAction::kGetOnce},
+    {"IsInstantOn", "instantOn", SwitchAction::kGet},
+    {"EnterTVLumeWebApp", "webAppVisible", SwitchAction::kSet},
+    {"BlockOnChLeave", "blocked", SwitchAction::kSet},
+    {"BlockClear", "blocked", SwitchAction::kClear},
+    {"CheckDoNotSendTuneSuccess", "blocked", SwitchAction::kGet},
+    {"EnterFullPage", "fullPage", SwitchAction::kSet},
+    {"ExitFullPage", "fullPage", SwitchAction::kClear},
+    {"IsEnterFullPage", "fullPage", SwitchAction::kGet},
+    {"NotifyPepperPluginIsDown", "webAppVisible", SwitchAction::kClear},
+    {"SetUnlockedFlag", "unlocked", SwitchAction::kSetFromRequest},
+    {"SetUnlockedInfo", "unlocked", SwitchAction::kSetFromRequest},
+    {"UnMuteRatingLockByPinCode", "unlocked", SwitchAction::kSet},
+    {"ResetTemporalUnLockStatus", "unlocked", SwitchAction::kClear},
+    {"ResetTemporalUnLockStatusWhenChannelChange", "unlocked", SwitchAction::kClear},
+};
+
+}  // namespace
+
+void KelvoSimContent::m_LoadVirtual(const Json::Value &fixture)
+{
+    const Json::Value &tvlume = Member(fixture, "tvlume");
+    m_switches = Json::Value(Json::objectValue);
+    for (const auto &row : kSwitchRows)
+        m_switches[row.flag] = false;
+    // A set fresh from the factory: the user agreed to viewing, the service is on, first entry pending.
+    for (const char *flag : {"viewingAgreement", "myTvlume", "tvlumeOn", "homeScreen", "firstEntry", "instantOn"})
+        m_switches[flag] = !tvlume.isMember(flag) || Flag(tvlume, flag);
+    m_dataServiceType = static_cast<int>(Num(tvlume, "dataServiceType", 1));
+    m_deepLink = Str(tvlume, "deepLink");
+    m_contentRating.clear();
+    m_imageDownloads = 0;
+}
+
+const Json::Value *KelvoSimContent::m_VirtualChannel(const std::string &serviceId) const
+{
+    for (const auto &channel : Member(m_fixture, "virtualChannels")) {
+        if (Str(channel, "TCServiceId") == serviceId)
+            return &channel;
+    }
+    return nullptr;
+}
+
+// The programme named by a request's "program_id": its event id, on its channel when the service
+// id is known (not 0), at its start time when one is given.
+const Json::Value *KelvoSimContent::m_VirtualProgramme(const Json::Value &programId, const Json::Value **channel) const
+{
+    const std::string service = Str(programId, "TCServiceId");
+    const std::string eventId = Str(programId, "event_id");
+    const long long start = Num(programId, "start_time");
+    for (const auto &c : Member(m_fixture, "virtualChannels")) {
+        if (!service.empty() && service != "0" && Str(c, "TCServiceId") != service)
+            continue;
+        for (const auto &programme : Member(c, "programs")) {
+            if (Str(programme, "id") == eventId &&
+                (start == 0 || VirtualStart(programme) == static_cast<unsigned long long>(start))) {
+                *channel = &c;
+                return &programme;
+            }
+        }
+    }
+    return nullptr;
+}
+
+// A programme as the daemon sends it: the record's members, its service id under "program_data",
+// without the images, which have methods of their own.
+Json::Value KelvoSimContent::m_ProgrammeReply(const Json::Value &channel, const Json::Value &programme)
+{
+    Json::Value reply(Json::objectValue);
+    MergeInto(programme, reply);
+    reply.removeMember("thumbnail");
+    reply.removeMember("background");
+    reply["program_data"]["TCServiceId"] = Str(channel, "TCServiceId");
+    return reply;
+}
+
+// Programmes of the channel that overlap [start_time, start_time + duration), keyed by start.
+void KelvoSimContent::m_GetProgramList(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = m_VirtualChannel(Str(in, "TCServiceId"));
+    Json::Value &map = out["virtual_program_map"] = Json::Value(Json::arrayValue);
+    if (!channel) {
+        out["ret"] = false;
+        return;
+    }
+    const unsigned long long from = static_cast<unsigned long long>(std::max(0LL, Num(in, "start_time")));
+    const unsigned long long to = from + static_cast<unsigned long long>(std::max(0LL, Num(in, "duration")));
+    for (const auto &programme : Member(*channel, "programs")) {
+        if (VirtualStart(programme) < to && VirtualEnd(programme) > from) {
+            Json::Value element = m_ProgrammeReply(*channel, programme);
+            element["key"] = static_cast<Json::UInt64>(VirtualStart(programme));
+            map.append(element);
+        }
+    }
+}
+
+void KelvoSimContent::m_GetVirtualProgram(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = nullptr;
+    const Json::Value *programme = m_VirtualProgramme(Member(in, "program_id"), &channel);
+    if (!programme) {
+        out["ret"] = false;
+        return;
+    }
+    MergeInto(m_ProgrammeReply(*channel, *programme), out);
+}
+
+// Indicator 0 the programme itself, 1 the one after it, 2 the one before it on its channel.
+void KelvoSimContent::m_GetProgramWithIndicator(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = nullptr;
+    const Json::Value *programme = m_VirtualProgramme(Member(in, "program_id"), &channel);
+    const long long indicator = Num(in, "program_indicator");
+    const Json::Value *wanted = nullptr;
+    if (programme) {
+        for (const auto &other : Member(*channel, "programs")) {
+            const bool after = VirtualStart(other) == VirtualEnd(*programme);
+            const bool before = VirtualEnd(other) == VirtualStart(*programme);
+            if ((indicator == 0 && &other == programme) || (indicator == 1 && after) || (indicator == 2 && before))
+                wanted = &other;
+        }
+    }
+    if (!wanted) {
+        out["ret"] = false;
+        return;
+    }
+    MergeInto(m_ProgrammeReply(*channel, *wanted), out);
+}
+
+// The programme running now on the channel (also on a cold boot, whatever the player).
+void KelvoSimContent::m_GetPresentProgram(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = m_VirtualChannel(Str(in, "TCServiceId"));
+    const unsigned long long now = static_cast<unsigned long long>(time(nullptr));
+    if (channel) {
+        for (const auto &programme : Member(*channel, "programs")) {
+            if (VirtualStart(programme) <= now && now < VirtualEnd(programme)) {
+                MergeInto(m_ProgrammeReply(*channel, programme), out);
+                return;
+            }
+        }
+    }
+    out["ret"] = false;
+}
+
+void KelvoSimContent::m_GetChannelLogo(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = m_VirtualChannel(Str(in, "TCServiceId"));
+    const Json::Value &logos = channel ? Member(*channel, "logos") : Member(Json::Value(), "");
+    const long long size = Num(in, "logoSize");
+    if (!logos.isArray() || size < 0 || size >= static_cast<long long>(logos.size()) ||
+        !logos[static_cast<Json::ArrayIndex>(size)].isString()) {
+        out["ret"] = false;
+        return;
+    }
+    out["channelLogo"] = logos[static_cast<Json::ArrayIndex>(size)];
+}
+
+// Thumbnail, background, or the image of "programLogoType" (0 thumbnail, 1 poster, 2 background),
+// each image request with a download id of its own.
+void KelvoSimContent::m_GetProgramImage(Json::Value &in, Json::Value &out)
+{
+    const Json::Value *channel = nullptr;
+    const Json::Value *programme = m_VirtualProgramme(Member(in, "program_id"), &channel);
+    long long type = m_method == "GetProgramThumbnail" ? 0 : m_method == "GetProgramBackground" ? 2 : -1;
+    if (type < 0)
+        type = Num(in, "programLogoType");
+    std::string image;
+    if (programme)
+        image = type == 0   ? Str(*programme, "thumbnail")
+                : type == 1 ? Str(Member(*programme, "poster"), "url")
+                            : Str(*programme, "background");
+    if (image.empty()) {
+        out["ret"] = false;
+        return;
+    }
+    out["programLogo"] = image;
+    if (m_method == "GetProgramImage")
+        out["imageDownloadId"] = std::to_string(++m_imageDownloads);
+}
+
+void KelvoSimContent::m_GetServiceIdFromOnTV(Json::Value &in, Json::Value &out)
+{
+    for (const auto &channel : Member(m_fixture, "virtualChannels")) {
+        if (Str(channel, "onTvProviderId") == Str(in, "onTvProviderId") &&
+            Str(channel, "onTvServiceId") == Str(in, "onTvServiceId")) {
+            out["TCServiceId"] = Str(channel, "TCServiceId");
+            return;
+        }
+    }
+    out["ret"] = false;
+}
+
+void KelvoSimContent::m_Switch(Json::Value &in, Json::Value &out)
+{
+    for (const auto &row : kSwitchRows) {
+        if (m_method != row.method)
+            continue;
+        switch (row.action) {
+        case SwitchAction::kGet:
+            out["ret"] = m_switches[row.flag];
+            break;
+        case SwitchAction::kGetOnce:
+            out["ret"] = m_switches[row.flag];
+            m_switches[row.flag] = false;
+            break;
+        case SwitchAction::kSetFromRequest:
+            m_switches[row.flag] = Flag(in, "ret");
+            break;
+        case SwitchAction::kSet:
+            m_switches[row.flag] = true;
+            break;
+        case SwitchAction::kClear:
+            m_switches[row.flag] = false;
+            break;
+        }
+        // Switching the service off closes what it had launched.
+        if (!m_switches["tvlumeOn"].asBool())
+            m_switches["launched"] = false;
+        return;
+    }
+}
+
+void KelvoSimContent::m_SetDataServiceType(Json::Value &in, Json::Value &)
+{
+    m_dataServiceType = static_cast<int>(Num(in, "ret"));
+}
+
+void KelvoSimContent::m_GetDataServiceType(Json::Value &, Json::Value &out)
+{
+    out["dataType"] = m_dataServiceType;
+}
+
+void KelvoSimContent::m_ProgramInfoIsAvailable(Json::Value &, Json::Value &out)
+{
+    out["ret"] = !Member(m_fixture, "virtualChannels").empty();
+}
+
+// The link travels as plain text both ways.
+void KelvoSimContent::m_SetDeepLink(Json::Value &, Json::Value &)
+{
+    m_deepLink = m_argumentText;
+}
+
+void KelvoSimContent::m_GetDeepLink(Json::Value &, Json::Value &)
+{
+    m_plainReply = true;
+    m_plainReplyText = m_deepLink;
+}
+
+void KelvoSimContent::m_GetPreviewData(Json::Value &, Json::Value &out)
+{
+    const Json::Value &preview = Member(Member(m_fixture, "tvlume"), "previewData");
+    out["previewData"] = preview.isNull() ? Json::Value(Json::objectValue) : preview;
+}
+
+// 1 when the home screen came up, 0 when the service is switched off.
+void KelvoSimContent::m_LaunchHomeScreen(Json::Value &, Json::Value &out)
+{
+    const bool on = m_switches["tvlumeOn"].asBool();
+    m_switches["launched"] = on;
+    out["ret"] = on ? 1 : 0;
+}
+
+// Locked while the content announced last carries a rating and nobody unlocked it. An older
+// daemon answers its newer method with nothing.
+void KelvoSimContent::m_CheckRatingLock(Json::Value &, Json::Value &out)
+{
+    if (m_older && m_method == "CheckTVLumeRatingLock") {
+        m_plainReply = true;
+        m_plainReplyText.clear();
+        return;
+    }
+    out["ret"] = !m_contentRating.empty() && !m_switches["unlocked"].asBool();
+}
+
+void KelvoSimContent::m_NotifyContentIsChanged(Json::Value &in, Json::Value &)
+{
+    m_contentRating = Str(in, "rating");
+    m_switches["unlocked"] = false;
+}
+
+void KelvoSimContent::m_GetAppIdAndUrl(Json::Value &, Json::Value &out)
+{
+    const Json::Value &tvlume = Member(m_fixture, "tvlume");
+    out["appID"] = Str(tvlume, "appID");
+    out["url"] = Str(tvlume, "url");
+    if (m_method == "GetAppIDAndURLAndVersion")
+        out["version"] = Str(tvlume, "version");
+}
+
+void KelvoSimContent::m_GetRatingInfo(Json::Value &, Json::Value &out)
+{
+    const Json::Value &ratings = Member(Member(m_fixture, "tvlume"), "ratings");
+    out["ratings"] = ratings.isArray() ? ratings : Json::Value(Json::arrayValue);
+    out["ret"] = !out["ratings"].empty();
 }

@@ -19,9 +19,12 @@ public:
 
     // The reply to one request. False when the daemon has no such method.
     bool Answer(const std::string &method, const std::string &argumentText, Json::Value &reply);
-    // The same reply as compact text (ToCompactText of Answer's). A day's programme map is written
-    // from texts kept per programme since Load, not built as one JSON tree and written out again.
+    // As Answer, as the text that goes on the wire: some methods answer plain text, not JSON. A
+    // day's programme map is written from texts kept per programme since Load, not built as one
+    // JSON tree and written out again.
     bool AnswerText(const std::string &method, const std::string &argumentText, std::string &text);
+    // An older daemon lacks the newest methods of the streaming service's control (README.md).
+    void SetOlder(bool older) { m_older = older; }
 
     // The names Answer knows, ascending (for introspection).
     static std::vector<std::string> Methods();
@@ -62,6 +65,31 @@ private:
     void m_GetProgramsByTitle(Json::Value &in, Json::Value &out);
     void m_GetProgramsByDescription(Json::Value &in, Json::Value &out);
 
+    // The streaming service's virtual channels and its control (SimVirtual.cpp).
+    void m_GetProgramList(Json::Value &in, Json::Value &out);
+    void m_GetVirtualProgram(Json::Value &in, Json::Value &out);
+    void m_GetProgramWithIndicator(Json::Value &in, Json::Value &out);
+    void m_GetPresentProgram(Json::Value &in, Json::Value &out);
+    void m_GetChannelLogo(Json::Value &in, Json::Value &out);
+    void m_GetProgramImage(Json::Value &in, Json::Value &out);
+    void m_GetServiceIdFromOnTV(Json::Value &in, Json::Value &out);
+    void m_Switch(Json::Value &in, Json::Value &out);
+    void m_SetDataServiceType(Json::Value &in, Json::Value &out);
+    void m_GetDataServiceType(Json::Value &in, Json::Value &out);
+    void m_ProgramInfoIsAvailable(Json::Value &in, Json::Value &out);
+    void m_SetDeepLink(Json::Value &in, Json::Value &out);
+    void m_GetDeepLink(Json::Value &in, Json::Value &out);
+    void m_GetPreviewData(Json::Value &in, Json::Value &out);
+    void m_LaunchHomeScreen(Json::Value &in, Json::Value &out);
+    void m_CheckRatingLock(Json::Value &in, Json::Value &out);
+    void m_NotifyContentIsChanged(Json::Value &in, Json::Value &out);
+    void m_GetAppIdAndUrl(Json::Value &in, Json::Value &out);
+    void m_GetRatingInfo(Json::Value &in, Json::Value &out);
+    void m_LoadVirtual(const Json::Value &fixture);
+    const Json::Value *m_VirtualChannel(const std::string &serviceId) const;
+    const Json::Value *m_VirtualProgramme(const Json::Value &programId, const Json::Value **channel) const;
+    static Json::Value m_ProgrammeReply(const Json::Value &channel, const Json::Value &programme);
+
     void m_SearchPrograms(Json::Value &in, Json::Value &out, bool inTitle, bool inDescription);
     const Json::Value *m_ChannelBySource(const std::string &sourceId) const;
     const Json::Value *m_ProgrammeAt(const std::string &sourceId, unsigned long long when) const;
@@ -83,6 +111,19 @@ private:
     Json::Value m_msoConfig{Json::objectValue};
     std::string m_country;
     std::string m_language;
+
+    // The request being answered, and a reply in plain text where a method answers no JSON.
+    std::string m_method;
+    std::string m_argumentText;
+    bool m_plainReply = false;
+    std::string m_plainReplyText;
+    bool m_older = false;
+    // The streaming service's switches and flags, as Set... methods leave them (SimVirtual.cpp).
+    Json::Value m_switches{Json::objectValue};
+    int m_dataServiceType = 0;
+    std::string m_deepLink;
+    std::string m_contentRating;
+    unsigned long long m_imageDownloads = 0;
 };
 
 #endif

@@ -38,13 +38,15 @@ struct Options {
     std::string script;
     std::string address;
     int readyFd = -1;
+    bool older = false;
 };
 
 void Usage(FILE *to)
 {
     fprintf(to, "usage: kelvo-daemon-sim [--fixture FILE] [--record FILE] [--script FILE]\n"
-                "                        [--address BUS-ADDRESS] [--ready-fd FD]\n"
-                "Answers the content daemon's wire methods on the session bus (or BUS-ADDRESS).\n");
+                "                        [--address BUS-ADDRESS] [--ready-fd FD] [--older]\n"
+                "Answers the content daemon's wire methods on the session bus (or BUS-ADDRESS);\n"
+                "--older answers as a daemon without the newest methods.\n");
 }
 
 bool ParseJsonText(const std::string &text, Json::Value &out, std::string &error)
@@ -251,6 +253,13 @@ private:
         if (strcmp(member, "GetRecords") == 0) {
             return sd_bus_reply_method_return(m, "s", KelvoSimContent::ToCompactText(m_records).c_str());
         }
+        if (strcmp(member, "SetOlder") == 0) {
+            int older = 0;
+            if (sd_bus_message_read(m, "b", &older) < 0)
+                return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS, "SetOlder takes a boolean");
+            m_content.SetOlder(older != 0);
+            return sd_bus_reply_method_return(m, "");
+        }
         if (strcmp(member, "ClearRecords") == 0) {
             m_records = Json::Value(Json::arrayValue);
             return sd_bus_reply_method_return(m, "");
@@ -336,6 +345,8 @@ bool ParseOptions(int argc, char **argv, Options &options)
             if (fd.empty() || *end != '\0' || n < 0)
                 return false;
             options.readyFd = static_cast<int>(n);
+        } else if (arg == "--older") {
+            options.older = true;
         } else if (arg == "--help" || arg == "-h") {
             Usage(stdout);
             exit(0);
@@ -381,6 +392,7 @@ int main(int argc, char **argv)
         fprintf(stderr, "kelvo-daemon-sim: %s: %s\n", options.fixture.c_str(), error.c_str());
         return 2;
     }
+    content.SetOlder(options.older);
 
     // Signals arrive through the event loop, which then ends and lets everything close cleanly.
     sigset_t mask;

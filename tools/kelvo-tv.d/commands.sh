@@ -1,6 +1,6 @@
 # shellcheck shell=bash disable=SC2034,SC2153
 # (Sourced by tools/kelvo-tv: its variables are set and read across these files.)
-# kelvo-tv: the commands for people (dump, restore, shell, daemon, bench) and the lower-level
+# kelvo-tv: the commands for people (dump, restore, shell, daemon, bench, client) and the lower-level
 # ones the tests use (run, make-tv).
 
 cmd_dump() {
@@ -129,4 +129,39 @@ cmd_inspect() {
     [ "$INSPECT_JSON" -eq 1 ] && args+=(--json)
     [ -n "$INSPECT_XMLTV" ] && args+=(--xmltv "$INSPECT_XMLTV")
     exec "$inspect" "${args[@]}" "$INSPECT_PATH"
+}
+
+# An example client of the installed library, examples/$CLIENT: the library is installed into a
+# prefix in the run's folder (--out; by default under the build folder), the example built from
+# it with pkg-config alone, and run in a fresh reference TV (so that its schedules are around the
+# current time) with the bus and the daemon.
+cmd_client() {
+    local examples="$ROOT/examples" names
+    names=$(find "$examples" -mindepth 2 -maxdepth 2 -name CMakeLists.txt -printf '%h\n' | xargs -rn1 basename | sort | xargs)
+    [ -n "$CLIENT" ] || die "client needs a NAME, one of: $names"
+    [ -f "$examples/$CLIENT/CMakeLists.txt" ] || die "no example client $CLIENT (there are: $names)"
+    prepare_build
+    set_defaults
+    local prefix="$OUT/client/prefix" build="$OUT/client/$CLIENT" log="$OUT/client/build-$CLIENT.log"
+    mkdir -p "$OUT/client"
+    local pcpath="$prefix/lib/pkgconfig:$prefix/lib/x86_64-linux-gnu/pkgconfig:$prefix/lib64/pkgconfig"
+    if ! { cmake --install "$BUILD_DIR" --prefix "$prefix" &&
+           PKG_CONFIG_PATH="$pcpath" cmake -S "$examples/$CLIENT" -B "$build" &&
+           cmake --build "$build"; } >"$log" 2>&1 </dev/null; then
+        tail -n 20 "$log" >&2
+        die "the example $CLIENT did not build (log: $log)"
+    fi
+    make_tv "$TV"
+    NO_STICK=1
+    # Inside the TV the run's folder is /run/kelvo-tv; the library is found there.
+    local libdir
+    libdir=$(cd "$(PKG_CONFIG_PATH="$pcpath" pkg-config --variable=libdir kelvo-provider-client)" && pwd)
+    CLIENT_COMMAND=(env "LD_LIBRARY_PATH=/run/kelvo-tv/${libdir#"$OUT"/}")
+    if [ "$VERBOSE" -eq 1 ]; then
+        CLIENT_COMMAND+=("/run/kelvo-tv/client/$CLIENT/$CLIENT")
+    else
+        # shellcheck disable=SC2016 # expanded by the shell inside the sandbox
+        CLIENT_COMMAND+=(bash -c 'exec "$0" 2>/run/kelvo-tv/client.log' "/run/kelvo-tv/client/$CLIENT/$CLIENT")
+    fi
+    sandbox command
 }

@@ -23,8 +23,9 @@ check_mount() {
     die "--mount must lie below one of ${MOUNT_ROOTS[*]}: $MOUNT"
 }
 
-# Runs the sandbox; $1 is "util" (one kelvo-util run) or "shell". A run leaves kelvo-util's status
-# in OUT/exit-status. Returns the supervisor's status.
+# Runs the sandbox; $1 is "util" (one kelvo-util run), "shell", or "command" (CLIENT_COMMAND in
+# place of the shell). A run leaves kelvo-util's status in OUT/exit-status. Returns the
+# supervisor's status.
 sandbox() {
     local mode=$1
     [ -d "$TV/opt" ] || die "no simulated TV at $TV (make one with: tools/kelvo-tv make-tv --tv $TV)"
@@ -71,6 +72,8 @@ sandbox() {
     fi
     if [ "$mode" = shell ]; then
         inside+=(--shell)
+    elif [ "$mode" = command ]; then
+        inside+=(--shell -- "${CLIENT_COMMAND[@]}")
     else
         args+=(--new-session)
     fi

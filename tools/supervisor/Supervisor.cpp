@@ -324,10 +324,13 @@ int KelvoSupervisor::m_RunCaptured()
 
 int KelvoSupervisor::m_RunShell()
 {
-    std::printf("kelvo-tv shell: /opt is the TV, the stick is at %s (none with --no-stick);\n"
-                "run 'kelvo-util'; artefacts go to %s; exit to leave.\n",
-                m_options.usbMounts.empty() ? "(none)" : m_options.usbMounts.c_str(), m_options.out.c_str());
-    std::fflush(stdout);
+    // A command given instead of the interactive shell keeps its output to itself.
+    if (m_options.command.empty()) {
+        std::printf("kelvo-tv shell: /opt is the TV, the stick is at %s (none with --no-stick);\n"
+                    "run 'kelvo-util'; artefacts go to %s; exit to leave.\n",
+                    m_options.usbMounts.empty() ? "(none)" : m_options.usbMounts.c_str(), m_options.out.c_str());
+        std::fflush(stdout);
+    }
     std::vector<std::string> environment = m_CommandOverrides();
     const char *path = getenv("PATH");
     environment.push_back("PATH=" + m_options.build + "/util:" + (path ? path : "/usr/bin:/bin"));

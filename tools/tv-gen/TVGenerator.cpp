@@ -406,6 +406,109 @@ void KelvoTvGenerator::m_MakeSources()
     }
 }
 
+namespace {
+
+// UTC date-time without zone, as the streaming service's schedules carry it.
+std::string ScheduleTime(long long seconds)
+{
+    time_t t = static_cast<time_t>(seconds);
+    struct tm tm = {};
+    gmtime_r(&t, &tm);
+    char text[32];
+    strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &tm);
+    return text;
+}
+
+// The streaming service's virtual channels on the first virtual services of the TV, with a
+// schedule from three hours before "now" to a day after it. Slots of the "CIRCLE" channels play a
+// playlist of two to four items that fills the slot; the "LIVE" channel's slots are one stream. A
+// generator of their own keeps everything else the TV holds as it was.
+void AddVirtualChannels(const std::vector<TCStoredService> &services, const KelvoTvGenOptions &options,
+                        Json::Value &fixture)
+{
+    const int kChannels = 4;
+    const char *const kTitles[] = {"Ocean Worlds", "Retro Arcade Hour", "Nordic Kitchen", "Night Drive",
+                                   "Alpine Rail",  "Cartoon Classics",  "Jazz at Nine",   "Storm Chasers"};
+    KelvoTvGenRandom random(options.seed ^ 0x7654321ull);
+    Json::Value &channels = fixture["virtualChannels"] = Json::Value(Json::arrayValue);
+    int made = 0;
+    for (const auto &service : services) {
+        if (made == kChannels)
+            break;
+        if (service.tags.at(1) != 9)
+            continue;
+        const int n = made++;
+        const bool live = n == 2;
+        Json::Value c(Json::objectValue);
+        c["TCServiceId"] = std::to_string(static_cast<unsigned long long>(service.tags.at(12)));
+        c["name"] = "Halvorn " + service.name;
+        c["onTvProviderId"] = "halvorn-tvlume";
+        c["onTvServiceId"] = "vc-" + std::to_string(n + 1);
+        for (const char *size : {"small", "medium", "large"})
+            c["logos"].append("https://img.halvorn.example/vc/" + std::to_string(n + 1) + "/logo-" + size + ".png");
+        Json::Value &programs = c["programs"] = Json::Value(Json::arrayValue);
+        long long start = options.now - 3 * 3600 + 60LL * random.Below(60);
+        for (int k = 0; start < options.now + kDay; ++k) {
+            const long long duration = 1800LL * (1 + random.Below(3));
+            const std::string id = "VC" + std::to_string(n + 1) + "-" + std::to_string(1000 + k);
+            Json::Value p(Json::objectValue);
+            p["id"] = id;
+            p["starttime"] = ScheduleTime(start);
+            p["duration"] = static_cast<Json::UInt>(duration);
+            p["relative_offset"] = -1;
+            p["playlist_item_index"] = -1;
+            p["title"] = kTitles[random.Below(8)];
+            p["content_type"] = live ? "LIVE" : "CIRCLE";
+            p["content_uri"] = "https://stream.halvorn.example/vc/" + id + (live ? "/live.m3u8" : "");
+            p["short_desc"] = p["title"].asString() + ", part " + std::to_string(1 + random.Below(12));
+            p["poster"]["url"] = "https://img.halvorn.example/vc/posters/" + id + ".jpg";
+            p["poster"]["index"] = std::to_string(k % 4);
+            p["rating"] = random.Pick(std::vector<std::string>{"7", "12", "16"});
+            p["ratings"] = p["rating"];
+            p["sequence"] = k;
+            p["thumbnail"] = "https://img.halvorn.example/vc/thumbs/" + id + ".jpg";
+            p["background"] = "https://img.halvorn.example/vc/backgrounds/" + id + ".jpg";
+            Json::Value &playlist = p["group_play_list"] = Json::Value(Json::arrayValue);
+            const int items = live ? 0 : 2 + static_cast<int>(random.Below(3));
+            long long left = duration;
+            for (int i = 0; i < items; ++i) {
+                const long long length = i + 1 == items ? left : (left / (items - i)) - 60 * random.Below(5);
+                left -= length;
+                Json::Value item(Json::objectValue);
+                item["order"] = i + 1;
+                item["id"] = id + "-" + std::to_string(i + 1);
+                item["title"] = p["title"].asString() + " " + std::to_string(i + 1) + "/" + std::to_string(items);
+                item["content_uri"] = "https://stream.halvorn.example/vc/" + id + "/" + std::to_string(i + 1) + ".m3u8";
+                item["duration"] = static_cast<Json::UInt>(length);
+                item["subtitle"]["url"] =
+                    "https://stream.halvorn.example/vc/" + id + "/" + std::to_string(i + 1) + ".vtt";
+                item["subtitle"]["lang_order_index"] = "0";
+                playlist.append(item);
+            }
+            programs.append(p);
+            start += duration;
+        }
+        channels.append(c);
+    }
+    Json::Value &tvlume = fixture["tvlume"] = Json::Value(Json::objectValue);
+    tvlume["appID"] = "com.halvorn.tvlume";
+    tvlume["url"] = "https://tvlume.halvorn.example/app/index.html";
+    tvlume["version"] = "3.2.0";
+    tvlume["dataServiceType"] = 1;
+    tvlume["deepLink"] = "tvlume://channel/vc-1";
+    tvlume["previewData"]["channels"] = static_cast<int>(channels.size());
+    tvlume["previewData"]["banner"] = "Free streaming channels";
+    for (int rating : {4, 8, 12}) {
+        Json::Value r(Json::objectValue);
+        r["rating_system"] = 8;
+        r["rating"] = rating;
+        r["vsld"] = 0;
+        tvlume["ratings"].append(r);
+    }
+}
+
+}  // namespace
+
 bool KelvoTvGenerator::m_WriteFixture(std::string &error)
 {
     Json::Value fixture(Json::objectValue);
@@ -476,6 +579,7 @@ bool KelvoTvGenerator::m_WriteFixture(std::string &error)
     fixture["vodProviders"].append(provider);
     fixture["countryLang"]["country"] = "NO";
     fixture["countryLang"]["language"] = "nob";
+    AddVirtualChannels(m_services, m_options, fixture);
     if (!WriteJson(m_options.fixturePath, fixture)) {
         error = "cannot write " + m_options.fixturePath;
         return false;

@@ -1,18 +1,81 @@
 #include "FCCallHelper.h"
 
+#include <cstring>
+
 #include "FCDebug.h"
 #include "FCJsonHelper.h"
 #include "kelvo-dbus-proxy.h"
 
+namespace {
+
+// Every proxy but those with an origin of their own reports under this one class name; log
+// readers search for it.
+FCCallHelper::Origin Shared(int line)
+{
+    return {__FILE__, line, "FCVirtualChannels_Proxy"};
+}
+
+const char *FileName(const char *path)
+{
+    const char *slash = strrchr(path, '/');
+    return slash ? slash + 1 : path;
+}
+
+// The shared log line, with the origin's file, line and class and the calling function's name.
+#define FC_ORIGIN_LOGE(origin, function, text, ...)                                                                    \
+    dlog_print(DLOG_ERROR, FC_LOG_TAG, "%s: %s(%d) > DBG_LV[%d][%s::%s] " text "\n", FileName((origin).file),          \
+               function, (origin).line, FC_DBG_LV, (origin).className, ##__VA_ARGS__)
+
+// The JSON exchange: the argument as compact text, the reply parsed. Whether a reply that does not
+// parse fails the call is the caller's choice; where it does not, the reply is left null.
+// With an arrayKey, the reply's bulk array goes to onElement one element at a time
+// (FCJsonHelper::ParseToJsonEach).
+bool JsonCall(const FCCallHelper::Origin &origin, const char *method, const Json::Value &in, Json::Value &out,
+              bool unparsableFails, const char *arrayKey = nullptr,
+              const std::function<void(const Json::Value &element)> *onElement = nullptr)
+{
+    std::string reply;
+    if (!FCCallHelper::RemoteCallWithStringArguments(origin, method, FCJsonHelper::WriteCompact(in), reply))
+        return false;
+    const bool parsed = arrayKey == nullptr ? FCJsonHelper::ParseToJson(reply, out)
+                                            : FCJsonHelper::ParseToJsonEach(reply, arrayKey, out, *onElement);
+    if (parsed)
+        return true;
+    if (!unparsableFails) {
+        out = Json::Value();
+        return true;
+    }
+    FC_ORIGIN_LOGE(origin, "RemoteCallWithJsonArguments", "fail to parse json data", method);
+    return false;
+}
+
+}  // namespace
+
 bool FCCallHelper::RemoteCallWithStringArguments(const char *method, const std::string &in, std::string &out)
+{
+    return RemoteCallWithStringArguments(Shared(__LINE__), method, in, out);
+}
+
+bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out)
+{
+    return JsonCall(Shared(__LINE__), method, in, out, true);
+}
+
+bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out,
+                                               const char *arrayKey,
+                                               const std::function<void(const Json::Value &element)> &onElement)
+{
+    return JsonCall(Shared(__LINE__), method, in, out, true, arrayKey, &onElement);
+}
+
+bool FCCallHelper::RemoteCallWithStringArguments(const Origin &origin, const char *method, const std::string &in,
+                                                 std::string &out)
 {
     KelvoCallResult *result = Call(method, in.c_str());
     if (result == nullptr)
         return false;
     if (!result->success) {
-        // Every proxy reports under this one class name; log readers search for it.
-        FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCVirtualChannels_Proxy::%s] fail to communicate using d-bus\n", FC_DBG_LV,
-                method);
+        FC_ORIGIN_LOGE(origin, __func__, "fail to communicate using d-bus", method);
         DisposeCallResult(result);
         return false;
     }
@@ -24,23 +87,18 @@ bool FCCallHelper::RemoteCallWithStringArguments(const char *method, const std::
     return true;
 }
 
-bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out)
+bool FCCallHelper::RemoteCallWithJsonArguments(const Origin &origin, const char *method, const Json::Value &in,
+                                               Json::Value &out)
 {
-    return RemoteCallWithJsonArguments(method, in, out, nullptr, nullptr);
+    return JsonCall(origin, method, in, out, false);
 }
 
-bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out,
-                                               const char *arrayKey,
-                                               const std::function<void(const Json::Value &element)> &onElement)
+bool FCCallHelper::ParseReturnValue(const Origin &origin, std::string &text)
 {
-    std::string reply;
-    if (!RemoteCallWithStringArguments(method, FCJsonHelper::WriteCompact(in), reply))
-        return false;
-    bool parsed = arrayKey == nullptr ? FCJsonHelper::ParseToJson(reply, out)
-                                      : FCJsonHelper::ParseToJsonEach(reply, arrayKey, out, onElement);
-    if (!parsed) {
-        FC_LOGE("%s: %s(%d) > DBG_LV[%d][FCVirtualChannels_Proxy::%s] fail to parse json data\n", FC_DBG_LV, method);
+    Json::Value reply;
+    if (!FCJsonHelper::ParseToJson(text, reply)) {
+        FC_ORIGIN_LOGE(origin, __func__, "fail to parse json output data", __func__);
         return false;
     }
-    return true;
+    return FCJsonHelper::ReturnBoolean(reply);
 }

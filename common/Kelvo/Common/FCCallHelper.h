@@ -18,6 +18,22 @@ public:
     static bool RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out,
                                             const char *arrayKey,
                                             const std::function<void(const Json::Value &element)> &onElement);
+
+    // Where a proxy that reports failures under its own name makes its calls: its source file
+    // and line, and its class.
+    struct Origin {
+        const char *file;
+        int line;
+        const char *className;
+    };
+    // The calls of such a proxy. They report under the origin; a reply that does not parse is no
+    // failure of the call there: out is left null, so that readers find no keys.
+    static bool RemoteCallWithStringArguments(const Origin &origin, const char *method, const std::string &in,
+                                              std::string &out);
+    static bool RemoteCallWithJsonArguments(const Origin &origin, const char *method, const Json::Value &in,
+                                            Json::Value &out);
+    // The reply's "ret"; false, reported under the origin, when the text does not parse.
+    static bool ParseReturnValue(const Origin &origin, std::string &text);
 };
 
 #endif

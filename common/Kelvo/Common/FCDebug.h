@@ -23,6 +23,8 @@
 #define FC_LOGI(fmt, ...) FC_LOG_TAGGED(DLOG_INFO, FC_LOG_TAG, fmt, ##__VA_ARGS__)
 #define FC_LOGW(fmt, ...) FC_LOG_TAGGED(DLOG_WARN, FC_LOG_TAG, fmt, ##__VA_ARGS__)
 #define FC_LOGE(fmt, ...) FC_LOG_TAGGED(DLOG_ERROR, FC_LOG_TAG, fmt, ##__VA_ARGS__)
+// The entry line of a proxy operation, under the proxy's class.
+#define FC_PROXY_ENTRY(cls) FC_LOGD("%s: %s(%d) > DBG_LV[%d][" cls "::%s] called\n", FC_DBG_LV, __func__)
 
 // Raises the platform assertion with the expression text, then logs the "ASSERT!" line.
 #define FC_ASSERT_FAIL_TAGGED(tag, exprText)                                                                           \

@@ -53,7 +53,31 @@ Codec<false, Marshal, V...> Reads(Marshal marshal, V &...outputs)
 struct Site {
     bool (*jsonCall)(const char *method, const Json::Value &in, Json::Value &out);
     bool outputsOnFailure;
+    // The text exchange and the reading of a text reply's "ret", for the forms over a site.
+    bool (*stringCall)(const char *method, const std::string &in,
+                       std::string &out) = FCCallHelper::RemoteCallWithStringArguments;
+    bool (*parseReturn)(std::string &text) = FCJsonHelper::ParseReturnBoolean;
 };
+
+// The call functions of a proxy that reports failures under its own source file and class, and
+// its site: a failed call leaves the outputs untouched, a reply that does not parse reads as empty.
+// A proxy names its origin once: constexpr FCCallHelper::Origin kOrigin{__FILE__, __LINE__, "Class"}.
+template <const FCCallHelper::Origin &kOrigin>
+struct OwnCalls {
+    static bool RemoteCallWithStringArguments(const char *method, const std::string &in, std::string &out)
+    {
+        return FCCallHelper::RemoteCallWithStringArguments(kOrigin, method, in, out);
+    }
+    static bool RemoteCallWithJsonArguments(const char *method, const Json::Value &in, Json::Value &out)
+    {
+        return FCCallHelper::RemoteCallWithJsonArguments(kOrigin, method, in, out);
+    }
+    static bool ParseReturnValue(std::string &text) { return FCCallHelper::ParseReturnValue(kOrigin, text); }
+};
+
+template <const FCCallHelper::Origin &kOrigin>
+inline constexpr Site kOwnSite{OwnCalls<kOrigin>::RemoteCallWithJsonArguments, false,
+                               OwnCalls<kOrigin>::RemoteCallWithStringArguments, OwnCalls<kOrigin>::ParseReturnValue};
 
 // The remote-content services: the shared exchange, outputs read also after a failure.
 inline constexpr Site kShared{FCCallHelper::RemoteCallWithJsonArguments, true};
@@ -64,19 +88,39 @@ inline constexpr Site kSharedOutputsOnSuccess{FCCallHelper::RemoteCallWithJsonAr
 // short keeps what jsoncpp read before the cut ({"ret":true,... would still say true); and a reply
 // that is no object (a bare number, an array) cannot be indexed by name. Both are read as the
 // empty reply.
-template <typename... Codecs>
-bool Typed(const Site &site, const char *method, const Codecs &...codecs)
+//
+// What the operation answers is told by `answer(called, reply)`: ReplyRet below for the usual
+// "ret", or another convention (call success, a number of the reply).
+template <typename Answer, typename... Codecs>
+auto TypedAs(const Site &site, const Answer &answer, const char *method, const Codecs &...codecs)
 {
     Json::Value argument(Json::objectValue);
     (codecs.Write(argument), ...);
     Json::Value reply;
     const bool called = site.jsonCall(method, argument, reply);
-    if (!called && !site.outputsOnFailure)
-        return false;
     if (!called || !reply.isObject())
         reply = Json::Value();
-    (codecs.Read(reply), ...);
-    return FCJsonHelper::ReturnBoolean(reply);
+    if (called || site.outputsOnFailure)
+        (codecs.Read(reply), ...);
+    return answer(called, reply);
+}
+
+// The usual answer: the reply's "ret", false when the call failed.
+inline bool ReplyRet(bool called, const Json::Value &reply)
+{
+    return called && FCJsonHelper::ReturnBoolean(reply);
+}
+
+// Operations whose daemon answers nothing of use: whether the call went through.
+inline bool CallSucceeded(bool called, const Json::Value &)
+{
+    return called;
+}
+
+template <typename... Codecs>
+bool Typed(const Site &site, const char *method, const Codecs &...codecs)
+{
+    return TypedAs(site, ReplyRet, method, codecs...);
 }
 
 // An output read from a reply's bulk array one element at a time, into a map: each element is
@@ -128,6 +172,24 @@ inline bool Notify(const char *method, const std::string &in)
     if (!FCCallHelper::RemoteCallWithStringArguments(method, in, reply))
         return false;
     return FCJsonHelper::ParseReturnBoolean(reply);
+}
+
+// The string form over a site: the caller's text goes out unchanged and the reply text comes back
+// to it; false when the call fails, else the reply's "ret".
+inline bool Text(const Site &site, const char *method, const std::string &in, std::string &out)
+{
+    if (!site.stringCall(method, in, out))
+        return false;
+    return site.parseReturn(out);
+}
+
+// Operations without argument: the empty text goes out and the reply's "ret" is the answer. A
+// failed call leaves the empty reply, which does not parse.
+inline bool Argumentless(const Site &site, const char *method)
+{
+    std::string reply;
+    site.stringCall(method, std::string(), reply);
+    return site.parseReturn(reply);
 }
 
 // The daemon takes some flags of a request under "ret".

@@ -4,8 +4,6 @@
 #include "FCMarshal.h"
 #include "FCProxyCall.h"
 
-#define FC_PROXY_ENTRY(cls) FC_LOGD("%s: %s(%d) > DBG_LV[%d][" cls "::%s] called\n", FC_DBG_LV, __func__)
-
 namespace {
 
 using FCProxyCall::Reads;
