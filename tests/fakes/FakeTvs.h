@@ -26,7 +26,7 @@ void SetBackupResult(int result);
 void SetRestoreResult(int result);
 void FailCreateUtil();
 
-// In order: "WriteChannelMapMemoryDump", "FindServiceList",
+// In order: "WriteChannelMapMemoryDump", "FindServiceList", "FindService",
 // "FindProgramList(<service>, <start>, <duration>)", "BackupTVSData(<folder>)",
 // "RestoreTVSData(<folder>)".
 std::vector<std::string> Calls();

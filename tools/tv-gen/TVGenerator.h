@@ -66,6 +66,7 @@ private:
     void m_MakeServices();
     void m_MakeGuide();
     void m_MakeSources();
+    void m_MakeAocServices();
     bool m_WriteFixture(std::string &error);
     bool m_WriteExpectations(std::string &error);
     bool m_WriteDataFolders(std::string &error);
@@ -75,6 +76,9 @@ private:
     std::vector<TCStoredService> m_services;
     std::vector<TCStoredEvent> m_events;
     std::vector<KelvoTvGenSource> m_sources;
+    // The programme guide that the app-on-channel services' applications have published to the
+    // content daemon (the fixture's "aocPrograms").
+    Json::Value m_aocPrograms{Json::objectValue};
 };
 
 #endif
