@@ -460,7 +460,7 @@ void KelvoTvGenerator::m_MakeAocServices()
             service.texts[179] = app.packageId;
         if (app.extraData)
             service.texts[180] = TCServiceDataStore::Utf8ToUtf16BEBytes(app.extraData);
-        m_services.push_back(service);
+        m_aocServices.push_back(service);
         if (!app.published)
             continue;
         std::string package;
@@ -724,7 +724,9 @@ bool KelvoTvGenerator::Run(std::string &error)
     const std::string services = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kServiceDbName;
     const std::string guide = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kGuideDbName;
     // The channel-map memory dump of an earlier day, without the map: a dump must make it afresh.
-    if (!TCServiceDataStore::WriteServices(services, m_services) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
+    std::vector<TCStoredService> all = m_services;
+    all.insert(all.end(), m_aocServices.begin(), m_aocServices.end());
+    if (!TCServiceDataStore::WriteServices(services, all) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
         !WriteAppDatabase(m_options.optDir + kRwApp + "/" + TCServiceDataStore::kChannelMapDump, "tvs-chms")) {
         error = "cannot write the TV's services and guide under " + m_options.optDir;
         return false;

@@ -76,6 +76,8 @@ private:
     std::vector<TCStoredService> m_services;
     std::vector<TCStoredEvent> m_events;
     std::vector<KelvoTvGenSource> m_sources;
+    // Listed after the others; kept apart, since the sources point into m_services.
+    std::vector<TCStoredService> m_aocServices;
     // The programme guide that the app-on-channel services' applications have published to the
     // content daemon (the fixture's "aocPrograms").
     Json::Value m_aocPrograms{Json::objectValue};
