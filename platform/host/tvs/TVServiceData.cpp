@@ -41,15 +41,18 @@ void CopyFetched(const TCStoredService &service, const TCCriteriaHelper &criteri
         auto number = service.tags.find(field);
         if (number != service.tags.end())
             data.Set(field, number->second);
-        auto text = service.texts.find(field);
-        if (text == service.texts.end())
+        if (TCServiceDataStore::ColumnOfTextTag(field) == nullptr)
             continue;
+        // Every service holds the text tags: a NULL column is an empty text.
+        auto text = service.texts.find(field);
+        const std::string bytes = text == service.texts.end() ? std::string() : text->second;
         if (field == TCServiceDataStore::kTextTag16) {
-            TCString16 units(text->second.size() / 2, 0);
-            __builtin_memcpy(&units[0], text->second.data(), units.size() * 2);
+            TCString16 units(bytes.size() / 2, 0);
+            if (!units.empty())
+                __builtin_memcpy(&units[0], bytes.data(), units.size() * 2);
             data.SetString16(field, units);
         } else {
-            data.SetString(field, text->second);
+            data.SetString(field, bytes);
         }
     }
 }

@@ -55,6 +55,14 @@ const std::vector<std::pair<int, const char *>> &TCServiceDataStore::TextTags()
     return tags;
 }
 
+const char *TCServiceDataStore::ColumnOfTextTag(int tag)
+{
+    for (const auto &t : TextTags())
+        if (t.first == tag)
+            return t.second;
+    return nullptr;
+}
+
 const char *TCServiceDataStore::ColumnOfTag(int tag)
 {
     for (const auto &t : Tags())

@@ -19,7 +19,8 @@
 //    14  minor           minor channel number (analogue services hold none)
 //    17  chmap_index     position in the channel map; -1: the service is not in the map
 //
-// Text tags, kept as BLOBs byte for byte:
+// Text tags, kept as BLOBs byte for byte; every service holds them, a NULL column reads as an
+// empty text:
 //
 //   tag  column          meaning
 //   179  package_id      app-on-channel services: the application's package id, narrow text that
@@ -66,6 +67,7 @@ public:
     static const char *ColumnOfTag(int tag);
     // The text tags, with their column names, in column order after the number tags.
     static const std::vector<std::pair<int, const char *>> &TextTags();
+    static const char *ColumnOfTextTag(int tag);
     // The one text tag held in UTF-16.
     static constexpr int kTextTag16 = 180;
 
