@@ -1,4 +1,4 @@
-// TVS middleware client: services, programme guide, backup and restore.
+// TVS middleware client: services, programme guide, backup and restore, product specification.
 #ifndef KELVO_PLATFORM_TVSERVICEAPI_H
 #define KELVO_PLATFORM_TVSERVICEAPI_H
 
@@ -135,11 +135,25 @@ public:
     virtual int RestoreTVSData(const char *folder) = 0;
 };
 
+// The set's product specification, read item by item.
+enum ESOSpecItem : int {
+    SOSPEC_ITEM_COUNTRY = 1  // the country code of the set
+};
+
+class ISOSpecApp : public ITVService {
+public:
+    // The integer item; false when the set does not hold it (value untouched).
+    virtual bool GetIntValue(int item, int &value) = 0;
+};
+
 class TVServiceAPI {
 public:
     static IService *CreateService();
     static IServiceGuide *CreateServiceGuide();
     static IUtil *CreateUtil();
+    // The product-specification object of a profile into *app (null when there is none); 0 on
+    // success. The caller releases it with Destroy.
+    static int CreateSOSpecApp(int profile, int flags, ISOSpecApp **app);
     static void Destroy(ITVService *service);
 };
 

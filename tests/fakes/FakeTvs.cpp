@@ -8,6 +8,9 @@ int g_restoreResult = 1;
 bool g_failUtil = false;
 std::vector<std::string> g_calls;
 std::vector<TCCriteriaHelper> g_criteria;
+std::optional<int> g_country = 1;
+bool g_failCountryQuery = false;
+int g_liveSOSpecApps = 0;
 
 class FakeService : public IService {
 public:
@@ -89,7 +92,29 @@ public:
         return g_restoreResult;
     }
 };
+
+class FakeSOSpecApp : public ISOSpecApp {
+public:
+    FakeSOSpecApp() { ++g_liveSOSpecApps; }
+    ~FakeSOSpecApp() override { --g_liveSOSpecApps; }
+
+    bool GetIntValue(int item, int &value) override
+    {
+        g_calls.push_back("GetIntValue(" + std::to_string(item) + ")");
+        if (item != SOSPEC_ITEM_COUNTRY || g_failCountryQuery || !g_country)
+            return false;
+        value = *g_country;
+        return true;
+    }
+};
 }  // namespace
+
+int TVServiceAPI::CreateSOSpecApp(int profile, int flags, ISOSpecApp **app)
+{
+    g_calls.push_back("CreateSOSpecApp(" + std::to_string(profile) + ", " + std::to_string(flags) + ")");
+    *app = g_country ? new FakeSOSpecApp() : nullptr;
+    return *app != nullptr ? 0 : -1;
+}
 
 IService *TVServiceAPI::CreateService()
 {
@@ -111,6 +136,8 @@ void Reset()
     g_guides.clear();
     g_backupResult = g_restoreResult = 1;
     g_failUtil = false;
+    g_country = 1;
+    g_failCountryQuery = false;
     g_calls.clear();
     g_criteria.clear();
 }
@@ -134,6 +161,18 @@ void SetRestoreResult(int result)
 void FailCreateUtil()
 {
     g_failUtil = true;
+}
+void SetCountry(std::optional<int> country)
+{
+    g_country = country;
+}
+void FailCountryQuery()
+{
+    g_failCountryQuery = true;
+}
+int LiveSOSpecApps()
+{
+    return g_liveSOSpecApps;
 }
 std::vector<std::string> Calls()
 {

@@ -25,10 +25,17 @@ void SetGuide(unsigned long long serviceId, const FakeTvsGuide &guide);
 void SetBackupResult(int result);
 void SetRestoreResult(int result);
 void FailCreateUtil();
+// The country code the product specification answers; nullopt: CreateSOSpecApp gives no object.
+// Reset sets 1, a country no table of its own claims.
+void SetCountry(std::optional<int> country);
+// The product specification holds no country: GetIntValue fails.
+void FailCountryQuery();
+// Product-specification objects handed out and not yet destroyed.
+int LiveSOSpecApps();
 
 // In order: "WriteChannelMapMemoryDump", "FindServiceList", "FindService",
 // "FindProgramList(<service>, <start>, <duration>)", "BackupTVSData(<folder>)",
-// "RestoreTVSData(<folder>)".
+// "RestoreTVSData(<folder>)", "CreateSOSpecApp(<profile>, <flags>)", "GetIntValue(<item>)".
 std::vector<std::string> Calls();
 std::vector<TCCriteriaHelper> Criteria();
 }  // namespace FakeTvs

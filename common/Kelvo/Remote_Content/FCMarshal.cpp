@@ -197,6 +197,17 @@ struct ProgramCodec {
     }
 };
 
+struct VirtualProgramCodec {
+    static void Write(const FCVirtualProgramData &program, Json::Value &element)
+    {
+        FCVirtualProgramData::ToJson(program, element);
+    }
+    static void Read(const Json::Value &element, FCVirtualProgramData &program)
+    {
+        FCVirtualProgramData::FromJson(element, program);
+    }
+};
+
 struct MBRChannelCodec {
     static void Write(FCMBRNetworkChannel &channel, Json::Value &element)
     {
@@ -962,6 +973,30 @@ bool FCMarshal::JsonToFCRemoteChannel(Json::Value &in, FCRemoteChannel &channel)
 {
     return FCRemoteChannel::FromJson(in, channel);
 }
+bool FCMarshal::VirtualProgramIdToJson(const FCVirtualProgramId &id, Json::Value &out)
+{
+    return FCVirtualProgramId::ToJson(id, out);
+}
+bool FCMarshal::JsonToVirtualProgramId(const Json::Value &in, FCVirtualProgramId &id)
+{
+    return FCVirtualProgramId::FromJson(in, id);
+}
+bool FCMarshal::VirtualProgramDataToJson(const FCVirtualProgramData &program, Json::Value &out)
+{
+    return FCVirtualProgramData::ToJson(program, out);
+}
+bool FCMarshal::JsonToVirtualProgramData(const Json::Value &in, FCVirtualProgramData &program)
+{
+    return FCVirtualProgramData::FromJson(in, program);
+}
+bool FCMarshal::VirtualConfigToJson(const FCVirtualConfig &config, Json::Value &out)
+{
+    return FCVirtualConfig::ToJson(config, out);
+}
+bool FCMarshal::JsonToVirtualConfig(const Json::Value &in, FCVirtualConfig &config)
+{
+    return FCVirtualConfig::FromJson(in, config);
+}
 bool FCMarshal::MBRProgramToJson(FCMBRNetworkProgram &program, Json::Value &out)
 {
     return FCMBRNetworkProgram::MBRNetworkProgramToJson(program, out);
@@ -1053,6 +1088,14 @@ bool FCMarshal::MetaProgramMapToJson(std::map<unsigned int, FCRemoteProgram> &pr
 bool FCMarshal::JsonToMetaProgramMap(Json::Value &in, std::map<unsigned int, FCRemoteProgram> &programs)
 {
     return ReadKeyedMap<ProgramCodec>(in, "meta_program_map", "key", programs);
+}
+bool FCMarshal::VirtualProgramMapToJson(std::map<unsigned int, FCVirtualProgramData> &programs, Json::Value &out)
+{
+    return WriteKeyedMap<VirtualProgramCodec>(out, "virtual_program_map", "key", programs);
+}
+bool FCMarshal::JsonToVirtualProgramMap(const Json::Value &in, std::map<unsigned int, FCVirtualProgramData> &programs)
+{
+    return ReadKeyedMap<VirtualProgramCodec>(in, "virtual_program_map", "key", programs);
 }
 bool FCMarshal::ProgramSourceMapToJson(std::map<std::string, FCRemoteChannelKey> &sources, Json::Value &out)
 {

@@ -27,6 +27,7 @@
 #include "FCThumbnailManagerAPI.h"
 #include "FCTypes.h"
 #include "FCVirtualChannelsAPI.h"
+#include "FCVirtualProgramData.h"
 #include "FIACRSupportAPI.h"
 #include "MBRNetworkChannel.h"
 #include "MBRNetworkChannelTable.h"
@@ -177,6 +178,14 @@ public:
     static bool JsonToMetaProgramMap(Json::Value &in, std::map<unsigned int, FCRemoteProgram> &programs);
     static bool EProgramIndicatorToJson(const EProgramIndicator &indicator, Json::Value &out);
     static bool JsonToEProgramIndicator(const Json::Value &in, EProgramIndicator &indicator);
+    static bool VirtualProgramMapToJson(std::map<unsigned int, FCVirtualProgramData> &programs, Json::Value &out);
+    static bool JsonToVirtualProgramMap(const Json::Value &in, std::map<unsigned int, FCVirtualProgramData> &programs);
+    static bool VirtualProgramIdToJson(const FCVirtualProgramId &id, Json::Value &out);
+    static bool JsonToVirtualProgramId(const Json::Value &in, FCVirtualProgramId &id);
+    static bool VirtualProgramDataToJson(const FCVirtualProgramData &program, Json::Value &out);
+    static bool JsonToVirtualProgramData(const Json::Value &in, FCVirtualProgramData &program);
+    static bool VirtualConfigToJson(const FCVirtualConfig &config, Json::Value &out);
+    static bool JsonToVirtualConfig(const Json::Value &in, FCVirtualConfig &config);
     static bool ChannelLogoToJson(const std::string &channelLogo, Json::Value &out);
     static bool JsonToChannelLogo(const Json::Value &in, std::string &channelLogo);
     static bool ProgramLogoToJson(const std::string &programLogo, Json::Value &out);
