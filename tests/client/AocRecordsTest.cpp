@@ -342,9 +342,9 @@ TEST(AocMarshal, ProgramMapIsKeyedByStartTime)
     Json::Value json;
     FCAocMarshal::AocProgramMapToJson(programs, json);
     ASSERT_EQ(json["aocProgramData"].size(), 2u);
-    EXPECT_EQ(json["aocProgramData"][0]["startTime"], 200);
+    EXPECT_EQ(json["aocProgramData"][0]["startTime"].asUInt(), 200u);
     EXPECT_EQ(json["aocProgramData"][0]["title"], "first");
-    EXPECT_EQ(json["aocProgramData"][1]["startTime"], 300);
+    EXPECT_EQ(json["aocProgramData"][1]["startTime"].asUInt(), 300u);
 
     std::map<unsigned int, FCAocProgramData> read;
     read[5].m_title = "stays";
