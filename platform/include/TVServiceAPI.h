@@ -1,4 +1,4 @@
-// TVS middleware client: services, programme guide, backup and restore, product specification.
+// TVS middleware client: services, programme guide, backup and restore, product information.
 #ifndef KELVO_PLATFORM_TVSERVICEAPI_H
 #define KELVO_PLATFORM_TVSERVICEAPI_H
 
@@ -135,7 +135,7 @@ public:
     virtual int RestoreTVSData(const char *folder) = 0;
 };
 
-// The set's product specification, read item by item.
+// The set's product information, read item by item.
 enum ESOSpecItem : int {
     SOSPEC_ITEM_COUNTRY = 1  // the country code of the set
 };
@@ -151,7 +151,7 @@ public:
     static IService *CreateService();
     static IServiceGuide *CreateServiceGuide();
     static IUtil *CreateUtil();
-    // The product-specification object of a profile into *app (null when there is none); 0 on
+    // The product-information object of a profile into *app (null when there is none); 0 on
     // success. The caller releases it with Destroy.
     static int CreateSOSpecApp(int profile, int flags, ISOSpecApp **app);
     static void Destroy(ITVService *service);

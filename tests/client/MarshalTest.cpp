@@ -107,6 +107,13 @@ const char *const kProgram = R"({"activityID":1,"program source id":"src-1","cha
     "duration":3600,"title":"Evening \"News\"","cert flag":"TV-G","genre array":["a","b"],"poster url":"http://p",
     "poster type":"wide","poster overlay":"ov","poster index":"2","short desc":"short","desc":"long description",
     "series":"S1","EndTime":1795294800,"IsRF":true})";
+// No two fields alike, so that one written under another's key shows.
+const char *const kVirtualProgram = R"({"program_data":{"TCServiceId":"10376293541461622784"},"id":"ev",
+    "starttime":"2026-11-21T10:00:00","duration":3600,"relative_offset":-4,"playlist_item_index":2,
+    "content_type":"movie","content_uri":"http://c","title":"Film","short_desc":"sd",
+    "poster":{"url":"http://p","index":"3"},"rating":"12","ratings":"14|16",
+    "group_play_list":[{"order":5,"id":"i1","title":"One","content_uri":"http://1","duration":60,
+      "subtitle":{"url":"http://s","lang_order_index":"en"}}]})";
 // The genre name is read from "genre name" but written as "gere name".
 const char *const kChannel = R"({"activityID":1,"str_program_source_id":"ps","str_channel_name":"cn",
     "str_channel_number":"7-1","str_alias":"al","str_major":"7","str_minor":"1","str_onid":"on","str_tsid":"ts",
@@ -192,6 +199,24 @@ FCMBRNetworkProgram MakeProgram(unsigned long start, int duration, std::string t
         p.SetTitle(title);
         p.SetProgramID(id);
         p.SetChannelID(7);
+    });
+}
+
+template <typename Record>
+Record FromJsonText(const char *text)
+{
+    return With<Record>([&](Record &r) { Record::FromJson(Parse(text), r); });
+}
+FCVirtualProgramData FullVirtualProgram()
+{
+    return FromJsonText<FCVirtualProgramData>(kVirtualProgram);
+}
+// What a programme read from {} holds: the position's two -1 defaults read 0.
+FCVirtualProgramData ZeroVirtualProgram()
+{
+    return With<FCVirtualProgramData>([](FCVirtualProgramData &p) {
+        p.SetRelativeOffset(0);
+        p.SetPlaylistItemIndex(0);
     });
 }
 
@@ -310,6 +335,22 @@ Keys ChannelReadKeys()
 }
 
 const Keys kProgramKeys = Names(Parse(kProgram));
+const Keys kVirtualProgramKeys = Keys{"program_data",
+                                      "program_data.TCServiceId",
+                                      "id",
+                                      "starttime",
+                                      "duration",
+                                      "relative_offset",
+                                      "playlist_item_index",
+                                      "content_type",
+                                      "content_uri",
+                                      "title",
+                                      "short_desc",
+                                      "rating",
+                                      "ratings"} +
+                                 Under("poster", {"url", "index"}) +
+                                 Under("group_play_list[]", {"order", "id", "title", "content_uri", "duration"}) +
+                                 Under("group_play_list[].subtitle", {"url", "lang_order_index"});
 const Keys kChannelKeys = Names(Parse(WithGenreName("")));
 const Keys kKeyKeys = {"activityID", "str_channel_number", "str_major",       "str_minor", "str_onid", "str_tsid",
                        "str_sid",    "str_frequency",      "str_digital_flag"};
@@ -511,6 +552,20 @@ const std::vector<Row> &Table()
         MakeRow<FCMBRNetworkChannel>("MBRNetworkChannel", kMbrChannelKeys, O::Raises,
                                      WRAPPERS(MBRNetworkChannelToJson, JsonToMBRNetworkChannel), {FullMbrChannel()}),
 
+        MakeRow<FCVirtualProgramId>(
+            "VirtualProgramId", Under("program_id", {"TCServiceId", "event_id", "start_time", "duration"}), O::Zero,
+            WRAPPERS(VirtualProgramIdToJson, JsonToVirtualProgramId),
+            {FromJsonText<FCVirtualProgramId>(
+                R"({"program_id":{"TCServiceId":"18446744073709551615","event_id":"e","start_time":7,"duration":9}})")}),
+        MakeRow<FCVirtualProgramData>("VirtualProgramData", kVirtualProgramKeys, O::Zero,
+                                      WRAPPERS(VirtualProgramDataToJson, JsonToVirtualProgramData),
+                                      {FullVirtualProgram()}, {ZeroVirtualProgram()}),
+        MakeRow<FCVirtualConfig>(
+            "VirtualConfig", Under("ch_position", {"position", "type"}) + Under("vc_banner", {"tv_to_vc", "vc_to_tv"}),
+            O::Zero, WRAPPERS(VirtualConfigToJson, JsonToVirtualConfig),
+            {FromJsonText<FCVirtualConfig>(R"({"ch_position":{"position":"p","type":"t"},)"
+                                           R"("vc_banner":{"tv_to_vc":"a","vc_to_tv":"b"}})")}),
+
         // Lists and keyed maps: reading {} appends nothing and adds nothing.
         MakeRow<std::vector<FCRemoteChannel>>(
             "ChannelList", Under("channel_array[]", kChannelKeys), O::Keeps,
@@ -547,6 +602,10 @@ const std::vector<Row> &Table()
         MakeRow<std::map<unsigned int, FCRemoteProgram>>(
             "MetaProgramMap", Under("meta_program_map[]", kProgramKeys + Keys{"key"}), O::Keeps,
             WRAPPERS(MetaProgramMapToJson, JsonToMetaProgramMap), {{{3, FullProgram()}, {1, Program("a", 1)}}}),
+        MakeRow<std::map<unsigned int, FCVirtualProgramData>>(
+            "VirtualProgramMap", Under("virtual_program_map[]", kVirtualProgramKeys + Keys{"key"}), O::Keeps,
+            WRAPPERS(VirtualProgramMapToJson, JsonToVirtualProgramMap),
+            {{{3, FullVirtualProgram()}, {1, FCVirtualProgramData()}}}),
         MakeRow<std::map<std::string, FCRemoteChannelKey>>(
             "ProgramSourceMap",
             Under("out_tunable_program_source_id_map[]", Under("channel_key", kKeyKeys) + Keys{"program_source_id"}),
@@ -613,6 +672,10 @@ TEST(Marshal, RecordsCarryEachFieldUnderItsOwnName)
         {"RatingList",
          R"({"ratings":[{"rating":2,"rating_system":1,"vsld":3},{"rating":5,"rating_system":4,"vsld":6}]})"},
         {"CountMap", R"({"channel count map":[{"count":0,"genre":"drama"},{"count":4,"genre":"news"}]})"},
+        {"VirtualProgramData", FCJsonHelper::WriteCompact(Parse(kVirtualProgram))},
+        {"VirtualProgramId",
+         R"({"program_id":{"TCServiceId":"18446744073709551615","duration":9,"event_id":"e","start_time":7}})"},
+        {"VirtualConfig", R"({"ch_position":{"position":"p","type":"t"},"vc_banner":{"tv_to_vc":"a","vc_to_tv":"b"}})"},
     };
     size_t checked = 0;
     for (const Row &row : Table()) {

@@ -333,7 +333,7 @@ TEST_F(Ratings, TheSetsCountryPicksTheTable)
         {35, "16", Rating(8, 13)}, {81, "16", Rating(8, 13)},     {-1, "16", Rating(8, 13)},
     };
     for (const Country &country : countries) {
-        SCOPED_TRACE(country.code ? std::to_string(*country.code) : "no product specification");
+        SCOPED_TRACE(country.code ? std::to_string(*country.code) : "no product information");
         EXPECT_EQ(Rate(country.code, country.ratings), country.rating);
         EXPECT_EQ(FakeTvs::LiveSOSpecApps(), 0);
     }

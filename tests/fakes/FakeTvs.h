@@ -25,12 +25,12 @@ void SetGuide(unsigned long long serviceId, const FakeTvsGuide &guide);
 void SetBackupResult(int result);
 void SetRestoreResult(int result);
 void FailCreateUtil();
-// The country code the product specification answers; nullopt: CreateSOSpecApp gives no object.
+// The country code the product information answers; nullopt: CreateSOSpecApp gives no object.
 // Reset sets 1, a country no table of its own claims.
 void SetCountry(std::optional<int> country);
-// The product specification holds no country: GetIntValue fails.
+// The product information holds no country: GetIntValue fails.
 void FailCountryQuery();
-// Product-specification objects handed out and not yet destroyed.
+// Product-information objects handed out and not yet destroyed.
 int LiveSOSpecApps();
 
 // In order: "WriteChannelMapMemoryDump", "FindServiceList", "FindService",

@@ -17,6 +17,7 @@
 #include "FCElementData.h"
 #include "FCJsonHelper.h"
 #include "FCMarshal.h"
+#include "FCVirtualProgramData.h"
 #include "FakeDlog.h"
 #include "MBRNetworkChannel.h"
 #include "MBRNetworkChannelTable.h"
@@ -75,6 +76,10 @@ struct Out {
     std::map<std::string, int> counts;
     std::map<unsigned int, FCRemoteProgram> metaPrograms;
     std::map<std::string, std::vector<FCRemoteProgram>> programMap;
+    std::map<unsigned int, FCVirtualProgramData> virtualPrograms;
+    FCVirtualProgramData virtualProgram;
+    FCVirtualProgramId virtualId;
+    FCVirtualConfig virtualConfig;
 };
 
 // One reader. The non-const readers add members to what they read, and each reader is to see the
@@ -197,6 +202,8 @@ void ReadRecordsAndLists(const Json::Value &reply, Out &o)
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToRatingList(in, o.ratings); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToServiceIDList(in, o.serviceIds); });
     MayRaise(reply, o, [](V &in, Out &o) { M::JsonToProgramMap(in, o.programMap); });
+    // The map's key is read as the keyed maps read it, which raises on a key of another type.
+    MayRaise(reply, o, [](const V &in, Out &o) { M::JsonToVirtualProgramMap(in, o.virtualPrograms); });
     // The MBR channel readers also raise the standard library's error on a bit text of other
     // characters than '0' and '1', by design.
     MayRaise(reply, o, [](V &in, Out &o) {
@@ -210,10 +217,13 @@ void ReadRecordsAndLists(const Json::Value &reply, Out &o)
         } catch (const std::invalid_argument &) {}
     });
 
-    // Never raise: reading a programme, in either of its forms.
+    // Never raise: reading a programme, in either of its forms, and the virtual-channel records.
     Json::Value in(reply);
     M::JsonToFCRemoteProgram(in, o.program);
     FCRemoteProgram::FromJson(reply, o.program);
+    M::JsonToVirtualProgramData(reply, o.virtualProgram);
+    M::JsonToVirtualProgramId(reply, o.virtualId);
+    M::JsonToVirtualConfig(reply, o.virtualConfig);
 }
 
 // What the client does next with tables read from a reply: lookups, sorting, merging.
@@ -233,6 +243,21 @@ void UseTables(Out &o)
     for (auto &entry : o.programMap)
         for (FCRemoteProgram &program : entry.second)
             program.to_string(text);
+    // Playback positions and lookups over whatever the daemon sent, and its text and JSON again.
+    o.virtualPrograms[0] = o.virtualProgram;
+    for (auto &entry : o.virtualPrograms) {
+        FCVirtualProgramData &program = entry.second;
+        program.UpdateOffsetAndPlaylistIndex(program.GetStartTime() + o.unsignedNumber, STREAM_TYPE_CIRCLE);
+        FCTvlumePlaylistItem item;
+        if (program.GetFirstPlaylistItem(item)) {
+            program.UpdateOffsetAndPlaylistIndexForResumeCirculate(item.GetItemId());
+            program.GetNextPlaylistItem(item.GetItemId(), item);
+        }
+        text = program.ToString();
+        Json::Value json;
+        FCVirtualProgramData::ToJson(program, json);
+    }
+    o.virtualId.ToString();
 }
 
 void ReadReply(const Json::Value &reply)

@@ -713,6 +713,19 @@ bool KelvoTvGenerator::MakeLayout(const std::string &optDir, std::string &error)
     return true;
 }
 
+bool KelvoTvGenerator::WriteCountry(const std::string &optDir, int country, std::string &error)
+{
+    const std::string path = optDir + "/var/kelvo-sim/country";
+    std::ofstream out(path, std::ios::trunc);
+    out << country << "\n";
+    out.close();
+    if (!out) {
+        error = "cannot write " + path;
+        return false;
+    }
+    return true;
+}
+
 bool KelvoTvGenerator::Run(std::string &error)
 {
     if (!MakeLayout(m_options.optDir, error))

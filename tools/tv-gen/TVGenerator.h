@@ -55,6 +55,8 @@ public:
 
     // The TV's folder tree under optDir, without data: every folder the set has, empty.
     static bool MakeLayout(const std::string &optDir, std::string &error);
+    // The set's country code, which the product information answers (var/kelvo-sim/country).
+    static bool WriteCountry(const std::string &optDir, int country, std::string &error);
 
     // How the dump database stores a text: apostrophes become double quotes (the dump's quoting)
     // and the statement formatter turns "%%" into "%" and drops any other conversion.

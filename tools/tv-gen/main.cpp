@@ -14,8 +14,8 @@ void Usage(FILE *to)
 {
     std::fprintf(to,
                  "usage: kelvo-tv-gen --opt DIR --fixture FILE [--services N] [--seed S] [--now T] [--expected DIR]\n"
-                 "                    [--edge-service]\n"
-                 "       kelvo-tv-gen --opt DIR --minimal\n"
+                 "                    [--edge-service] [--country C]\n"
+                 "       kelvo-tv-gen --opt DIR --minimal [--country C]\n"
                  "  --opt DIR       the TV's /opt: services, guide and the middleware's data folders\n"
                  "  --fixture FILE  server metadata for kelvo-daemon-sim --fixture\n"
                  "  --services N    number of TV services (default 240)\n"
@@ -24,7 +24,9 @@ void Usage(FILE *to)
                  "  --expected DIR  where expected.json and expected.db go (default: the fixture's folder)\n"
                  "  --edge-service  one more service with an event starting every second around both ends\n"
                  "                  of the day from --now (its rows depend on when the dump runs)\n"
-                 "  --minimal       only the TV's folders, empty: no services, guide, data or fixture\n");
+                 "  --minimal       only the TV's folders, empty: no services, guide, data or fixture\n"
+                 "  --country C     the set's country code, which picks the rating table of virtual channels\n"
+                 "                  (without it the TV answers 1, a country rated as in the EU)\n");
 }
 
 bool Number(const char *text, long long &out)
@@ -45,6 +47,7 @@ int main(int argc, char **argv)
     options.now = static_cast<long long>(std::time(nullptr));
     bool expectedGiven = false;
     bool minimal = false;
+    long long country = -1;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
         if (arg == "--help" || arg == "-h") {
@@ -76,6 +79,8 @@ int main(int argc, char **argv)
             options.services = static_cast<int>(n);
         } else if (arg == "--seed" && Number(value, n)) {
             options.seed = static_cast<uint64_t>(n);
+        } else if (arg == "--country" && Number(value, n) && n >= 0 && n <= 0xFFFF) {
+            country = n;
         } else if (arg == "--now" && Number(value, n) && n > 86400 && n < 4000000000LL - 3LL * 86400) {
             options.now = n;
         } else {
@@ -89,17 +94,18 @@ int main(int argc, char **argv)
         return 2;
     }
     std::string error;
+    bool made = false;
     if (minimal) {
-        if (!KelvoTvGenerator::MakeLayout(options.optDir, error)) {
-            std::fprintf(stderr, "kelvo-tv-gen: %s\n", error.c_str());
-            return 1;
-        }
-        return 0;
+        made = KelvoTvGenerator::MakeLayout(options.optDir, error);
+    } else {
+        if (!expectedGiven)
+            options.expectedDir = TCServiceDataStore::FolderOf(options.fixturePath);
+        KelvoTvGenerator generator(options);
+        made = generator.Run(error);
     }
-    if (!expectedGiven)
-        options.expectedDir = TCServiceDataStore::FolderOf(options.fixturePath);
-    KelvoTvGenerator generator(options);
-    if (!generator.Run(error)) {
+    if (made && country >= 0)
+        made = KelvoTvGenerator::WriteCountry(options.optDir, static_cast<int>(country), error);
+    if (!made) {
         std::fprintf(stderr, "kelvo-tv-gen: %s\n", error.c_str());
         return 1;
     }

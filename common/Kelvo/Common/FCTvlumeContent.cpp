@@ -49,7 +49,7 @@ std::set<std::string> &PlaylistItemKnownKeys()
     return keys;
 }
 
-// The product-specification profile that holds the set's country, and the rating system that
+// The product-information profile that holds the set's country, and the rating system that
 // every country's ratings are given in.
 const int kSOSpecProfile = 1;
 const int kRatingSystem = 8;

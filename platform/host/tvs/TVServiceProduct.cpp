@@ -1,13 +1,13 @@
-// The TV simulator's product specification: the set's country code comes from the control
+// The TV simulator's product information: the set's country code comes from the control
 // folder's file "country" (decimal text), written by kelvo-tv-gen --country or by hand. Without
-// the file the set answers kDefaultCountry, a code that no country-specific table claims.
+// the file the set answers kDefaultCountry, a code that no country claims for a table of its own.
 #include "KelvoSimFolder.h"
 #include "TVServiceAPI.h"
 
 namespace {
 const int kDefaultCountry = 1;
 
-class TCSOSpecSimulator : public ISOSpecApp {
+class TCProductSimulator : public ISOSpecApp {
 public:
     bool GetIntValue(int item, int &value) override
     {
@@ -31,6 +31,6 @@ int TVServiceAPI::CreateSOSpecApp(int /*profile*/, int /*flags*/, ISOSpecApp **a
 {
     if (app == nullptr)
         return -1;
-    *app = new TCSOSpecSimulator();
+    *app = new TCProductSimulator();
     return 0;
 }
