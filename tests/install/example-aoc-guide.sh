@@ -12,8 +12,10 @@ cmake --install "$build" --prefix "$scratch/prefix" >/dev/null
 export PKG_CONFIG_PATH="$scratch/prefix/lib/pkgconfig:$scratch/prefix/lib/x86_64-linux-gnu/pkgconfig"
 
 flags=()
+supervisor=()
 if grep -q '^KELVO_SANITIZE:BOOL=ON' "$build/CMakeCache.txt"; then
     flags=("-DCMAKE_CXX_FLAGS=-fsanitize=address,undefined")
+    supervisor=(--sanitized)
 elif grep -q '^KELVO_TSAN:BOOL=ON' "$build/CMakeCache.txt"; then
     flags=(-DCMAKE_CXX_FLAGS=-fsanitize=thread)
 fi
@@ -25,7 +27,7 @@ now=$(date +%s)
 mkdir -p "$scratch/run" "$scratch/out"
 ASAN_OPTIONS=detect_leaks=0 TZ_SYS_DB="$scratch/opt/dbspace" \
     "$build/tools/supervisor/kelvo-tv-supervisor" --run-dir "$scratch/run" --out "$scratch/out" \
-    --fixture "$scratch/fixture.json" --no-notify -- "$scratch/example/aoc-guide" --hours 2 >"$scratch/output" 2>&1 || true
+    --fixture "$scratch/fixture.json" --no-notify "${supervisor[@]}" -- "$scratch/example/aoc-guide" --hours 2 >"$scratch/output" 2>&1 || true
 cat "$scratch/output"
 
 status=0
