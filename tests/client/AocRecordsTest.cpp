@@ -157,6 +157,10 @@ TEST(AocIconv, IconvStringOutcomes)
     EXPECT_TRUE(FakeDlog::Contains("Iconv open failed."));
 
     FakeDlog::Clear();
+    EXPECT_FALSE(FCAocDataHelper::IconvString("UTF-8", "UTF-16BE", nullptr, 0, in, 6));  // found by the fuzzer
+    EXPECT_TRUE(FakeDlog::Contains("Iconv convert failed."));
+
+    FakeDlog::Clear();
     EXPECT_TRUE(FCAocDataHelper::IconvString("UTF-8", "UTF-16BE", out, sizeof out, in, 0));
     EXPECT_TRUE(FakeDlog::Texts().empty());
 }

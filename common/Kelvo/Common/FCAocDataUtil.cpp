@@ -189,8 +189,10 @@ bool FCAocDataHelper::IconvString(const char *toCode, const char *fromCode, char
     }
     size_t inLeft = inSize;
     size_t outLeft = outSize;
-    // A full output buffer is not a failure: the text is cut where it ends.
-    if (iconv(cd, &in, &inLeft, &out, &outLeft) == static_cast<size_t>(-1) && errno != E2BIG) {
+    // No buffer at all is a failed conversion (iconv itself would abort on it); a full output
+    // buffer is not: the text is cut where it ends.
+    const bool buffers = out != nullptr && (in != nullptr || inSize == 0);
+    if (!buffers || (iconv(cd, &in, &inLeft, &out, &outLeft) == static_cast<size_t>(-1) && errno != E2BIG)) {
         FC_LOGE("%s: %s(%d) > [%d][%d]Iconv convert failed.\n", FC_PID_TID);
         iconv_close(cd);
         return false;
