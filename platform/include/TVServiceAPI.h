@@ -15,12 +15,12 @@ class TCCriteriaHelper {
 public:
     struct Condition {
         int field;
-        int value;
-        bool negated;  // WhereNot
+        long long value;  // wide enough for a 64-bit service id (field 12)
+        bool negated;     // WhereNot
     };
 
-    void Where(int field, int value) { m_conditions.push_back({field, value, false}); }
-    void WhereNot(int field, int value) { m_conditions.push_back({field, value, true}); }
+    void Where(int field, long long value) { m_conditions.push_back({field, value, false}); }
+    void WhereNot(int field, long long value) { m_conditions.push_back({field, value, true}); }
     void Fetch(int field) { m_fetched.push_back(field); }
 
     const std::vector<Condition> &Conditions() const { return m_conditions; }
@@ -31,19 +31,36 @@ private:
     std::vector<int> m_fetched;
 };
 
+// A text of the middleware in UTF-16: code units stored big-endian in memory.
+using TCString16 = std::basic_string<unsigned short>;
+
 // One service record: values by field number. Reading a field the record does not hold
-// prints the middleware's "missing tag" diagnostics and yields 0.
+// prints the middleware's "missing tag" diagnostics and yields 0 (or an empty text).
+//
+// Most fields are numbers; a few are texts: narrow text (field 179, the package id of an
+// app-on-channel service, which may hold NUL characters) and UTF-16 text (field 180, the
+// service's extra data, a JSON text).
 class TCServiceData {
 public:
     TCServiceData() = default;
     virtual ~TCServiceData() = default;
 
-    bool Has(int field) const { return m_fields.count(field) != 0; }
+    bool Has(int field) const { return m_fields.count(field) + m_texts.count(field) + m_texts16.count(field) != 0; }
     long long Get(int field) const;
     void Set(int field, long long value) { m_fields[field] = value; }
 
+    std::string GetString(int field) const;
+    void SetString(int field, const std::string &text) { m_texts[field] = text; }
+    TCString16 GetString16(int field) const;
+    // Units already big-endian in memory, as the middleware stores them.
+    void SetString16(int field, const TCString16 &text) { m_texts16[field] = text; }
+
 private:
+    void m_MissingTag(int field) const;
+
     std::map<int, long long> m_fields;
+    std::map<int, std::string> m_texts;
+    std::map<int, TCString16> m_texts16;
 };
 
 // One broadcast guide event. Title and extended text are UTF-16 code units stored
@@ -96,6 +113,9 @@ class IService : public ITVService {
 public:
     // Services matching the criteria, each with the fetched fields; the caller deletes them.
     virtual int FindServiceList(const TCCriteriaHelper &criteria, std::list<TCServiceData *> &out) = 0;
+    // The first service matching the criteria, with the fetched fields, into out: 1; no such
+    // service (or no service database): a negative number, out untouched.
+    virtual int FindService(const TCCriteriaHelper &criteria, TCServiceData &out) = 0;
     // Regenerates the channel-map memory dump (tvs-chms/data/CHMS_Memory_Dump.sqlite).
     virtual int WriteChannelMapMemoryDump() = 0;
 };

@@ -31,6 +31,26 @@ public:
         return static_cast<int>(out.size());
     }
 
+    // The first scripted service whose fields meet every condition, with all its fields.
+    int FindService(const TCCriteriaHelper &criteria, TCServiceData &out) override
+    {
+        g_calls.push_back("FindService");
+        g_criteria.push_back(criteria);
+        for (const auto &fields : g_services) {
+            bool match = !fields.empty();
+            for (const auto &c : criteria.Conditions()) {
+                auto it = fields.find(c.field);
+                match = match && (it != fields.end() && it->second == c.value) != c.negated;
+            }
+            if (!match)
+                continue;
+            for (const auto &field : fields)
+                out.Set(field.first, field.second);
+            return 1;
+        }
+        return -1;
+    }
+
     int WriteChannelMapMemoryDump() override
     {
         g_calls.push_back("WriteChannelMapMemoryDump");

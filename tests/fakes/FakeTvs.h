@@ -33,7 +33,7 @@ void FailCountryQuery();
 // Product-information objects handed out and not yet destroyed.
 int LiveSOSpecApps();
 
-// In order: "WriteChannelMapMemoryDump", "FindServiceList",
+// In order: "WriteChannelMapMemoryDump", "FindServiceList", "FindService",
 // "FindProgramList(<service>, <start>, <duration>)", "BackupTVSData(<folder>)",
 // "RestoreTVSData(<folder>)", "CreateSOSpecApp(<profile>, <flags>)", "GetIntValue(<item>)".
 std::vector<std::string> Calls();

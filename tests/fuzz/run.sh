@@ -15,7 +15,7 @@ ROOT=$(cd "$HERE/../.." && pwd)
 SECONDS_EACH=${1:-20}
 [[ "$SECONDS_EACH" =~ ^[1-9][0-9]*$ ]] || { echo "usage: $0 [SECONDS]" >&2; exit 2; }
 BUILD=${KELVO_FUZZ_BUILD_DIR:-$ROOT/build/fuzz}
-read -r -a TARGETS <<<"${KELVO_FUZZ_TARGETS:-marshal statement timefile jsoneach}"
+read -r -a TARGETS <<<"${KELVO_FUZZ_TARGETS:-marshal statement timefile jsoneach aoc}"
 OUT=${KELVO_FUZZ_OUT:-$(mktemp -d "${TMPDIR:-/tmp}/kelvo-fuzz.XXXXXX")}
 mkdir -p "$OUT"
 
@@ -25,8 +25,8 @@ SCRATCH=$(mktemp -d /dev/shm/kelvo-fuzz.XXXXXX 2>/dev/null || mktemp -d "${TMPDI
 trap 'rm -rf "$SCRATCH"' EXIT
 
 # Per target: the longest input worth trying, and its dictionary.
-declare -A MAX_LEN=([marshal]=8192 [statement]=600 [timefile]=256 [jsoneach]=4096)
-declare -A DICT=([marshal]=json.dict [statement]=sql.dict [jsoneach]=json.dict)
+declare -A MAX_LEN=([marshal]=8192 [statement]=600 [timefile]=256 [jsoneach]=4096 [aoc]=4096)
+declare -A DICT=([marshal]=json.dict [statement]=sql.dict [jsoneach]=json.dict [aoc]=json.dict)
 
 export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <climits>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <utility>
@@ -170,7 +171,17 @@ long long DurationOf(const Json::Value &programme)
     X("NotifyContentIsChanged", m_NotifyContentIsChanged)                                                              \
     X("GetAppIDAndURL", m_GetAppIdAndUrl)                                                                              \
     X("GetAppIDAndURLAndVersion", m_GetAppIdAndUrl)                                                                    \
-    X("GetRatingInfo", m_GetRatingInfo)
+    X("GetRatingInfo", m_GetRatingInfo)                                                                                \
+    X("CreateAppInfo", m_CreateAppInfo)                                                                                \
+    X("UpdateAppInfo", m_UpdateAppInfo)                                                                                \
+    X("RemoveAppInfo", m_RemoveAppInfo)                                                                                \
+    X("UpdateProgramInfo", m_UpdateProgramInfo)                                                                        \
+    X("RemoveProgramInfo", m_RemoveProgramInfo)                                                                        \
+    X("GetProgramInfoList", m_GetProgramInfoList)                                                                      \
+    X("GetPresentProgramInfo", m_GetPresentProgramInfo)                                                                \
+    X("GetProgramInfo", m_GetAocProgramInfo)                                                                           \
+    X("GetProgramInfo_Indicator", m_GetAocProgramInfoByIndicator)                                                      \
+    X("SetVODResumeInfo", m_SetVODResumeInfo)
 
 const std::map<std::string, KelvoSimContent::Handler> &KelvoSimContent::m_Handlers()
 {
@@ -225,6 +236,8 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
             return false;
         }
     }
+    if (!m_LoadAoc(fixture, error))
+        return false;
     m_fixture = std::move(fixture);
     m_msoConfig = Member(m_fixture, "msoConfig").isObject() ? m_fixture["msoConfig"] : Json::Value(Json::objectValue);
     m_country = Str(Member(m_fixture, "countryLang"), "country");
@@ -990,4 +1003,174 @@ void KelvoSimContent::m_GetRatingInfo(Json::Value &, Json::Value &out)
     const Json::Value &ratings = Member(Member(m_fixture, "tvlume"), "ratings");
     out["ratings"] = ratings.isArray() ? ratings : Json::Value(Json::arrayValue);
     out["ret"] = !out["ratings"].empty();
+}
+
+// ---- app-on-channel services ----
+
+namespace {
+
+// A programme's start as the publisher sent it ("startTime", a number or decimal text).
+unsigned int AocStartOf(const Json::Value &programme)
+{
+    long long start = Num(programme, "startTime");
+    return start < 0 || start > UINT_MAX ? 0 : static_cast<unsigned int>(start);
+}
+
+unsigned int AocEndOf(const Json::Value &programme)
+{
+    long long end = static_cast<long long>(AocStartOf(programme)) + std::max(0LL, Num(programme, "duration"));
+    return end > UINT_MAX ? UINT_MAX : static_cast<unsigned int>(end);
+}
+
+}  // namespace
+
+// "aocPrograms": {"<package id>": {"TCServiceId": "<decimal>", "programs": [programme, ...]}}.
+bool KelvoSimContent::m_LoadAoc(const Json::Value &fixture, std::string &error)
+{
+    std::map<std::string, AocPackage> packages;
+    const Json::Value &published = Member(fixture, "aocPrograms");
+    if (!published.isNull() && !published.isObject()) {
+        error = "fixture member \"aocPrograms\" has the wrong kind";
+        return false;
+    }
+    for (const auto &package : published.getMemberNames()) {
+        const Json::Value &entry = published[package];
+        if (!entry.isObject() || !Member(entry, "programs").isArray()) {
+            error = "app-on-channel programmes of package \"" + package + "\" are not an array";
+            return false;
+        }
+        AocPackage &stored = packages[package];
+        stored.serviceId = Str(entry, "TCServiceId");
+        for (const auto &programme : entry["programs"])
+            stored.programs[AocStartOf(programme)] = programme;
+    }
+    m_aocPackages = std::move(packages);
+    m_appInfos.clear();
+    m_resumePositions.clear();
+    return true;
+}
+
+std::map<unsigned int, const Json::Value *> KelvoSimContent::m_AocProgramsOf(const std::string &serviceId) const
+{
+    std::map<unsigned int, const Json::Value *> programmes;
+    for (const auto &package : m_aocPackages) {
+        if (serviceId != "0" && package.second.serviceId != serviceId)
+            continue;
+        for (const auto &programme : package.second.programs)
+            programmes[programme.first] = &programme.second;
+    }
+    return programmes;
+}
+
+// Application information is kept by its "packageId": creating one that exists, or updating or
+// removing one that does not, answers "ret": false.
+void KelvoSimContent::m_CreateAppInfo(Json::Value &in, Json::Value &out)
+{
+    const std::string package = Str(in, "packageId");
+    out["ret"] = !package.empty() && m_appInfos.emplace(package, in).second;
+}
+
+void KelvoSimContent::m_UpdateAppInfo(Json::Value &in, Json::Value &out)
+{
+    auto it = m_appInfos.find(Str(in, "packageId"));
+    out["ret"] = it != m_appInfos.end();
+    if (it != m_appInfos.end())
+        it->second = in;
+}
+
+void KelvoSimContent::m_RemoveAppInfo(Json::Value &in, Json::Value &out)
+{
+    out["ret"] = m_appInfos.erase(Str(in, "packageId")) == 1;
+}
+
+// Replaces what the package published: its service and its programmes, each filed under its
+// "startTime".
+void KelvoSimContent::m_UpdateProgramInfo(Json::Value &in, Json::Value &out)
+{
+    const std::string package = Str(in, "packageId");
+    if (package.empty()) {
+        out["ret"] = false;
+        return;
+    }
+    AocPackage &stored = m_aocPackages[package] = AocPackage();
+    stored.serviceId = Str(in, "TCServiceId");
+    for (const auto &programme : Member(in, "aocProgramData"))
+        stored.programs[AocStartOf(programme)] = programme;
+}
+
+void KelvoSimContent::m_RemoveProgramInfo(Json::Value &in, Json::Value &out)
+{
+    out["ret"] = m_aocPackages.erase(Str(in, "packageId")) == 1;
+}
+
+void KelvoSimContent::m_GetProgramInfoList(Json::Value &in, Json::Value &out)
+{
+    const long long start = Num(in, "start_time");
+    const long long end = start + std::max(0LL, Num(in, "duration"));
+    Json::Value &list = out["aocProgramData"] = Json::Value(Json::arrayValue);
+    for (const auto &programme : m_AocProgramsOf(Str(in, "TCServiceId"))) {
+        if (programme.first >= start && programme.first < end)
+            list.append(*programme.second);
+    }
+    out["ret"] = !list.empty();
+}
+
+void KelvoSimContent::m_GetPresentProgramInfo(Json::Value &in, Json::Value &out)
+{
+    const unsigned int now = static_cast<unsigned int>(time(nullptr));
+    for (const auto &programme : m_AocProgramsOf(Str(in, "TCServiceId"))) {
+        if (programme.first <= now && now < AocEndOf(*programme.second)) {
+            MergeInto(*programme.second, out);
+            return;
+        }
+    }
+    out["ret"] = false;
+}
+
+// The programme a programme id names: its service ("0": any), start time and event id.
+void KelvoSimContent::m_GetAocProgramInfo(Json::Value &in, Json::Value &out)
+{
+    in["program_indicator"] = 0;
+    m_GetAocProgramInfoByIndicator(in, out);
+}
+
+// The named programme (indicator 0), the one after it (1) or the one before it (2) on its service.
+void KelvoSimContent::m_GetAocProgramInfoByIndicator(Json::Value &in, Json::Value &out)
+{
+    const std::string service = Str(in, "serviceId").empty() ? "0" : Str(in, "serviceId");
+    const long long start = Num(in, "startTime");
+    const std::string event = Str(in, "event_id");
+    const long long indicator = Num(in, "program_indicator");
+    for (const auto &package : m_aocPackages) {
+        if (service != "0" && package.second.serviceId != service)
+            continue;
+        const auto &programs = package.second.programs;
+        auto it = programs.begin();
+        while (it != programs.end() && !(it->first == start && Str(it->second, "programEventId") == event))
+            ++it;
+        if (it == programs.end())
+            continue;
+        if (indicator == 1)
+            ++it;
+        else if (indicator == 2)
+            it = it == programs.begin() ? programs.end() : std::prev(it);
+        else if (indicator != 0)
+            it = programs.end();
+        if (it != programs.end()) {
+            MergeInto(it->second, out);
+            return;
+        }
+    }
+    out["ret"] = false;
+}
+
+void KelvoSimContent::m_SetVODResumeInfo(Json::Value &in, Json::Value &out)
+{
+    const std::string item = Str(in, "itemID");
+    const long long position = Num(in, "position", -1);
+    if (item.empty() || position < 0) {
+        out["ret"] = false;
+        return;
+    }
+    m_resumePositions[{Str(in, "TCServiceId"), item}] = static_cast<unsigned long long>(position);
 }

@@ -89,6 +89,21 @@ private:
     const Json::Value *m_VirtualChannel(const std::string &serviceId) const;
     const Json::Value *m_VirtualProgramme(const Json::Value &programId, const Json::Value **channel) const;
     static Json::Value m_ProgrammeReply(const Json::Value &channel, const Json::Value &programme);
+    // App-on-channel services: the programme guide the applications publish per
+    // package, their application information, and the resume positions of on-demand items.
+    void m_CreateAppInfo(Json::Value &in, Json::Value &out);
+    void m_UpdateAppInfo(Json::Value &in, Json::Value &out);
+    void m_RemoveAppInfo(Json::Value &in, Json::Value &out);
+    void m_UpdateProgramInfo(Json::Value &in, Json::Value &out);
+    void m_RemoveProgramInfo(Json::Value &in, Json::Value &out);
+    void m_GetProgramInfoList(Json::Value &in, Json::Value &out);
+    void m_GetPresentProgramInfo(Json::Value &in, Json::Value &out);
+    void m_GetAocProgramInfo(Json::Value &in, Json::Value &out);
+    void m_GetAocProgramInfoByIndicator(Json::Value &in, Json::Value &out);
+    void m_SetVODResumeInfo(Json::Value &in, Json::Value &out);
+    bool m_LoadAoc(const Json::Value &fixture, std::string &error);
+    // The programmes of a service (every package publishing for it) by start time.
+    std::map<unsigned int, const Json::Value *> m_AocProgramsOf(const std::string &serviceId) const;
 
     void m_SearchPrograms(Json::Value &in, Json::Value &out, bool inTitle, bool inDescription);
     const Json::Value *m_ChannelBySource(const std::string &sourceId) const;
@@ -124,6 +139,13 @@ private:
     std::string m_deepLink;
     std::string m_contentRating;
     unsigned long long m_imageDownloads = 0;
+    struct AocPackage {
+        std::string serviceId;                         // decimal text
+        std::map<unsigned int, Json::Value> programs;  // by start time
+    };
+    std::map<std::string, AocPackage> m_aocPackages;  // by package id
+    std::map<std::string, Json::Value> m_appInfos;    // by the information's "packageId"
+    std::map<std::pair<std::string, std::string>, unsigned long long> m_resumePositions;  // (service, item)
 };
 
 #endif

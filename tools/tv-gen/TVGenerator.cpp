@@ -507,7 +507,90 @@ void AddVirtualChannels(const std::vector<TCStoredService> &services, const Kelv
     }
 }
 
+// Applications shown as channels. Each covers one route of deciding whether a service is an
+// app-on-channel service: the package id (field 179) may be missing or hold NUL characters, and the
+// extra data (field 180, UTF-16) may name another app type or none.
+struct AocService {
+    const char *name;
+    std::string packageId;  // stored as is; empty: the service holds no package id
+    const char *extraData;  // JSON text; nullptr: no extra data
+    bool published;         // its application has published a programme guide
+};
+
+const std::vector<AocService> &AocServices()
+{
+    static const std::vector<AocService> services = {
+        {"Halvorn Games", "com.halvorn.games",
+         R"({"appType":1,"isReadableData":1,"providerFlag":"halvorn","realData":"lobby 🎮 level=3",)"
+         R"("channelId":"aoc-games","programEventId":"games-1"})",
+         true},
+        {"Fjord Radio App", std::string("com.fjord\0.radio\0", 17),
+         R"({"appType":1,"isReadableData":0,"providerFlag":"fjord","realData":"𝄞 stream=hq","channelId":"aoc-radio"})",
+         true},
+        {"Orphan App", "", R"({"appType":1,"realData":"no package"})", false},
+        {"Widget Board", "com.halvorn.widgets", R"({"appType":2,"realData":"board"})", false},
+        {"Untyped App", "com.halvorn.untyped", R"({"realData":"nothing says what I am"})", false},
+        {"Nul App", std::string("\0\0", 2), R"({"appType":1})", false},
+    };
+    return services;
+}
+
 }  // namespace
+
+void KelvoTvGenerator::m_MakeAocServices()
+{
+    const long long now = m_options.now;
+    int number = static_cast<int>(m_services.size());
+    for (const auto &app : AocServices()) {
+        ++number;
+        // Channel type 10 in the id: neither broadcast nor a virtual channel of the streaming service.
+        unsigned long long id = (static_cast<unsigned long long>(number) << 45) | (10ull << 60) |
+                                (static_cast<unsigned long long>(900 + number % 100) << 10);
+        TCStoredService service;
+        service.tags[1] = 9;
+        service.tags[2] = 1;
+        service.tags[9] = 0;  // not received over RF: the dump leaves it out
+        service.tags[12] = static_cast<long long>(id);
+        service.tags[13] = 900 + number % 100;
+        service.tags[14] = 1;
+        service.tags[17] = 50000 + number;
+        service.name = app.name;
+        if (!app.packageId.empty())
+            service.texts[179] = app.packageId;
+        if (app.extraData)
+            service.texts[180] = TCServiceDataStore::Utf8ToUtf16BEBytes(app.extraData);
+        m_aocServices.push_back(service);
+        if (!app.published)
+            continue;
+        std::string package;
+        for (char c : app.packageId)
+            if (c != '\0')
+                package += c;
+        Json::Value &entry = m_aocPrograms[package];
+        entry["TCServiceId"] = std::to_string(id);
+        Json::Value &programs = entry["programs"] = Json::Value(Json::arrayValue);
+        int slot = 0;
+        for (long long start = now - 1800; start < now + kDay; start += 1800, ++slot) {
+            Json::Value p(Json::objectValue);
+            p["programEventId"] = package + "-" + std::to_string(slot);
+            p["packageId"] = package;
+            p["tvsServiceId"] = std::to_string(id);
+            p["title"] = std::string(app.name) + (slot % 2 ? " Live" : " Replay") + " " + std::to_string(slot);
+            p["startTime"] = static_cast<Json::UInt>(start);
+            p["duration"] = 1800;
+            p["shortDescription"] = "Part " + std::to_string(slot) + " of the day";
+            p["detailDescription"] = "Published by " + package + ".";
+            p["extraData"] = app.extraData;
+            p["isReadable"] = slot % 2 == 0;
+            p["providerFlag"] = "halvorn";
+            p["channelId"] = "aoc-" + std::to_string(number);
+            p["contentUri"] = "https://stream.halvorn.example/" + package + "/" + std::to_string(slot);
+            p["relativeOffset"] = "0";
+            p["channelName"] = app.name;
+            programs.append(p);
+        }
+    }
+}
 
 bool KelvoTvGenerator::m_WriteFixture(std::string &error)
 {
@@ -577,6 +660,7 @@ bool KelvoTvGenerator::m_WriteFixture(std::string &error)
     provider["widget id"] = "com.halvorn.play";
     provider["version"] = "2.4.1";
     fixture["vodProviders"].append(provider);
+    fixture["aocPrograms"] = m_aocPrograms;
     fixture["countryLang"]["country"] = "NO";
     fixture["countryLang"]["language"] = "nob";
     AddVirtualChannels(m_services, m_options, fixture);
@@ -749,10 +833,13 @@ bool KelvoTvGenerator::Run(std::string &error)
     m_MakeServices();
     m_MakeGuide();
     m_MakeSources();
+    m_MakeAocServices();
     const std::string services = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kServiceDbName;
     const std::string guide = m_options.optDir + kSysDb + "/" + TCServiceDataStore::kGuideDbName;
     // The channel-map memory dump of an earlier day, without the map: a dump must make it afresh.
-    if (!TCServiceDataStore::WriteServices(services, m_services) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
+    std::vector<TCStoredService> all = m_services;
+    all.insert(all.end(), m_aocServices.begin(), m_aocServices.end());
+    if (!TCServiceDataStore::WriteServices(services, all) || !TCServiceDataStore::WriteGuide(guide, m_events) ||
         !WriteAppDatabase(m_options.optDir + kRwApp + "/" + TCServiceDataStore::kChannelMapDump, "tvs-chms")) {
         error = "cannot write the TV's services and guide under " + m_options.optDir;
         return false;

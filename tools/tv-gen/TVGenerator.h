@@ -68,6 +68,7 @@ private:
     void m_MakeServices();
     void m_MakeGuide();
     void m_MakeSources();
+    void m_MakeAocServices();
     bool m_WriteFixture(std::string &error);
     bool m_WriteExpectations(std::string &error);
     bool m_WriteDataFolders(std::string &error);
@@ -77,6 +78,11 @@ private:
     std::vector<TCStoredService> m_services;
     std::vector<TCStoredEvent> m_events;
     std::vector<KelvoTvGenSource> m_sources;
+    // Listed after the others; kept apart, since the sources point into m_services.
+    std::vector<TCStoredService> m_aocServices;
+    // The programme guide that the app-on-channel services' applications have published to the
+    // content daemon (the fixture's "aocPrograms").
+    Json::Value m_aocPrograms{Json::objectValue};
 };
 
 #endif

@@ -192,6 +192,15 @@ inline bool Argumentless(const Site &site, const char *method)
     return site.parseReturn(reply);
 }
 
+// As Notify, and tells the caller whether the call itself went through, for services that report
+// a failed call apart from a "ret" of false.
+inline bool NotifyCalled(const char *method, const std::string &in, bool &called)
+{
+    std::string reply;
+    called = FCCallHelper::RemoteCallWithStringArguments(method, in, reply);
+    return called && FCJsonHelper::ParseReturnBoolean(reply);
+}
+
 // The daemon takes some flags of a request under "ret".
 inline bool RetToJson(const bool &flag, Json::Value &out)
 {

@@ -25,33 +25,76 @@ bool Satisfies(const TCStoredService &service, const TCCriteriaHelper::Condition
     return condition.negated ? !equal : equal;
 }
 
+bool SatisfiesAll(const TCStoredService &service, const TCCriteriaHelper &criteria)
+{
+    for (const auto &condition : criteria.Conditions())
+        if (!Satisfies(service, condition))
+            return false;
+    return true;
+}
+
+// Only the fetched tags travel, as from the middleware's query. A UTF-16 text's stored bytes are
+// big-endian and stay so in memory.
+void CopyFetched(const TCStoredService &service, const TCCriteriaHelper &criteria, TCServiceData &data)
+{
+    for (int field : criteria.FetchedFields()) {
+        auto number = service.tags.find(field);
+        if (number != service.tags.end())
+            data.Set(field, number->second);
+        if (TCServiceDataStore::ColumnOfTextTag(field) == nullptr)
+            continue;
+        // Every service holds the text tags: a NULL column is an empty text.
+        auto text = service.texts.find(field);
+        const std::string bytes = text == service.texts.end() ? std::string() : text->second;
+        if (field == TCServiceDataStore::kTextTag16) {
+            TCString16 units(bytes.size() / 2, 0);
+            if (!units.empty())
+                __builtin_memcpy(&units[0], bytes.data(), units.size() * 2);
+            data.SetString16(field, units);
+        } else {
+            data.SetString(field, bytes);
+        }
+    }
+}
+
+bool ReadServices(std::vector<TCStoredService> &services)
+{
+    std::string path;
+    return PathUnder(TZ_SYS_DB, TCServiceDataStore::kServiceDbName, path) &&
+           TCServiceDataStore::ReadServices(path, services);
+}
+
 class TCServiceSimulator : public IService {
 public:
     int FindServiceList(const TCCriteriaHelper &criteria, std::list<TCServiceData *> &out) override
     {
-        std::string path;
         std::vector<TCStoredService> services;
-        if (!PathUnder(TZ_SYS_DB, TCServiceDataStore::kServiceDbName, path) ||
-            !TCServiceDataStore::ReadServices(path, services))
+        if (!ReadServices(services))
             return -1;
         int found = 0;
         for (const auto &service : services) {
-            bool match = true;
-            for (const auto &condition : criteria.Conditions())
-                match = match && Satisfies(service, condition);
-            if (!match)
+            if (!SatisfiesAll(service, criteria))
                 continue;
-            // Only the fetched tags travel, as from the middleware's query.
             auto data = std::make_unique<TCServiceData>();
-            for (int field : criteria.FetchedFields()) {
-                auto it = service.tags.find(field);
-                if (it != service.tags.end())
-                    data->Set(field, it->second);
-            }
+            CopyFetched(service, criteria, *data);
             out.push_back(data.release());
             ++found;
         }
         return found;
+    }
+
+    int FindService(const TCCriteriaHelper &criteria, TCServiceData &out) override
+    {
+        std::vector<TCStoredService> services;
+        if (!ReadServices(services))
+            return -1;
+        for (const auto &service : services) {
+            if (SatisfiesAll(service, criteria)) {
+                CopyFetched(service, criteria, out);
+                return 1;
+            }
+        }
+        return -1;
     }
 
     int WriteChannelMapMemoryDump() override

@@ -14,7 +14,7 @@ const char *const kServiceSchema =
     "CREATE TABLE service("
     "row INTEGER PRIMARY KEY, name TEXT, service_type INTEGER, source INTEGER, onid INTEGER, "
     "tsid INTEGER, program_number INTEGER, rf INTEGER, service_id INTEGER, major INTEGER, "
-    "minor INTEGER, chmap_index INTEGER);";
+    "minor INTEGER, chmap_index INTEGER, package_id BLOB, extra_data BLOB);";
 
 const char *const kGuideSchema =
     "CREATE TABLE event("
@@ -96,6 +96,20 @@ const std::vector<std::pair<int, const char *>> &TCServiceDataStore::Tags()
     return tags;
 }
 
+const std::vector<std::pair<int, const char *>> &TCServiceDataStore::TextTags()
+{
+    static const std::vector<std::pair<int, const char *>> tags = {{179, "package_id"}, {180, "extra_data"}};
+    return tags;
+}
+
+const char *TCServiceDataStore::ColumnOfTextTag(int tag)
+{
+    for (const auto &t : TextTags())
+        if (t.first == tag)
+            return t.second;
+    return nullptr;
+}
+
 const char *TCServiceDataStore::ColumnOfTag(int tag)
 {
     for (const auto &t : Tags())
@@ -166,6 +180,10 @@ bool TCServiceDataStore::WriteServices(const std::string &path, const std::vecto
         sql += std::string(", ") + t.second;
         values += ", ?";
     }
+    for (const auto &t : TextTags()) {
+        sql += std::string(", ") + t.second;
+        values += ", ?";
+    }
     sql += ") VALUES (" + values + ")";
     if (!m_Exec(c.db, "BEGIN") || sqlite3_prepare_v2(c.db, sql.c_str(), -1, &c.stmt, nullptr) != SQLITE_OK)
         return false;
@@ -179,6 +197,15 @@ bool TCServiceDataStore::WriteServices(const std::string &path, const std::vecto
                 sqlite3_bind_null(c.stmt, column);
             else
                 sqlite3_bind_int64(c.stmt, column, it->second);
+            ++column;
+        }
+        for (const auto &t : TextTags()) {
+            auto it = service.texts.find(t.first);
+            if (it == service.texts.end())
+                sqlite3_bind_null(c.stmt, column);
+            else
+                sqlite3_bind_blob(c.stmt, column, it->second.data(), static_cast<int>(it->second.size()),
+                                  SQLITE_TRANSIENT);
             ++column;
         }
         if (sqlite3_step(c.stmt) != SQLITE_DONE)
@@ -221,6 +248,8 @@ bool TCServiceDataStore::ReadServices(const std::string &path, std::vector<TCSto
     std::string sql = "SELECT name";
     for (const auto &t : Tags())
         sql += std::string(", ") + t.second;
+    for (const auto &t : TextTags())
+        sql += std::string(", ") + t.second;
     sql += " FROM service ORDER BY row";
     if (sqlite3_prepare_v2(c.db, sql.c_str(), -1, &c.stmt, nullptr) != SQLITE_OK) {
         TCApiPrintMessage("[TVS] %s: %s", path.c_str(), sqlite3_errmsg(c.db));
@@ -234,6 +263,15 @@ bool TCServiceDataStore::ReadServices(const std::string &path, std::vector<TCSto
         for (const auto &t : Tags()) {
             if (sqlite3_column_type(c.stmt, column) != SQLITE_NULL)
                 service.tags[t.first] = sqlite3_column_int64(c.stmt, column);
+            ++column;
+        }
+        for (const auto &t : TextTags()) {
+            if (sqlite3_column_type(c.stmt, column) != SQLITE_NULL) {
+                const void *bytes = sqlite3_column_blob(c.stmt, column);
+                int size = sqlite3_column_bytes(c.stmt, column);
+                service.texts[t.first] =
+                    bytes ? std::string(static_cast<const char *>(bytes), static_cast<size_t>(size)) : std::string();
+            }
             ++column;
         }
         out.push_back(std::move(service));
@@ -350,4 +388,14 @@ std::u16string TCServiceDataStore::Utf8ToUtf16(const std::string &text)
         }
     }
     return out;
+}
+
+std::string TCServiceDataStore::Utf8ToUtf16BEBytes(const std::string &text)
+{
+    std::string bytes;
+    for (char16_t unit : Utf8ToUtf16(text)) {
+        bytes += static_cast<char>(unit >> 8);
+        bytes += static_cast<char>(unit & 0xff);
+    }
+    return bytes;
 }

@@ -19,6 +19,14 @@
 //    14  minor           minor channel number (analogue services hold none)
 //    17  chmap_index     position in the channel map; -1: the service is not in the map
 //
+// Text tags, kept as BLOBs byte for byte; every service holds them, a NULL column reads as an
+// empty text:
+//
+//   tag  column          meaning
+//   179  package_id      app-on-channel services: the application's package id, narrow text that
+//                        may hold NUL characters
+//   180  extra_data      app-on-channel services: a JSON text in UTF-16, big-endian bytes
+//
 // A NULL column is a tag the service does not hold: reading it prints the middleware's
 // "missing tag" diagnostics, and a condition on it never matches (Where) or always matches
 // (WhereNot, since the service does not hold that value).
@@ -33,7 +41,8 @@
 struct sqlite3;
 
 struct TCStoredService {
-    std::map<int, long long> tags;  // only the tags the service holds
+    std::map<int, long long> tags;     // only the tags the service holds
+    std::map<int, std::string> texts;  // text tags as stored bytes (UTF-16 texts big-endian)
     std::string name;
 };
 
@@ -56,6 +65,11 @@ public:
     // The tag numbers the store keeps, with their column names, in column order.
     static const std::vector<std::pair<int, const char *>> &Tags();
     static const char *ColumnOfTag(int tag);
+    // The text tags, with their column names, in column order after the number tags.
+    static const std::vector<std::pair<int, const char *>> &TextTags();
+    static const char *ColumnOfTextTag(int tag);
+    // The one text tag held in UTF-16.
+    static constexpr int kTextTag16 = 180;
 
     // Creates the file (and its folder chain) afresh and writes all rows in one transaction.
     static bool WriteServices(const std::string &path, const std::vector<TCStoredService> &services);
@@ -75,6 +89,8 @@ public:
     static unsigned int LanguageCode(const std::string &language);
     // UTF-8 to UTF-16 code units in host order; a malformed sequence becomes U+FFFD.
     static std::u16string Utf8ToUtf16(const std::string &text);
+    // UTF-8 to the bytes of its UTF-16BE form, as a text tag holds it.
+    static std::string Utf8ToUtf16BEBytes(const std::string &text);
 
     static bool MakeFolders(const std::string &path);  // mkdir -p of every component
     static std::string FolderOf(const std::string &path);

@@ -12,14 +12,37 @@ void TCApiPrintMessage(const char *format, ...)
     fputc('\n', stderr);
 }
 
+void TCServiceData::m_MissingTag(int field) const
+{
+    TCApiPrintMessage("*************************** ASSERT TAG ***************************");
+    TCApiPrintMessage("******************* ASSERT: missing tag[%3d] *********************", field);
+}
+
 long long TCServiceData::Get(int field) const
 {
     auto it = m_fields.find(field);
     if (it != m_fields.end())
         return it->second;
-    TCApiPrintMessage("*************************** ASSERT TAG ***************************");
-    TCApiPrintMessage("******************* ASSERT: missing tag[%3d] *********************", field);
+    m_MissingTag(field);
     return 0;
+}
+
+std::string TCServiceData::GetString(int field) const
+{
+    auto it = m_texts.find(field);
+    if (it != m_texts.end())
+        return it->second;
+    m_MissingTag(field);
+    return std::string();
+}
+
+TCString16 TCServiceData::GetString16(int field) const
+{
+    auto it = m_texts16.find(field);
+    if (it != m_texts16.end())
+        return it->second;
+    m_MissingTag(field);
+    return TCString16();
 }
 
 namespace {

@@ -7,6 +7,10 @@
 class FCAocAppInfo_Proxy : public FCAocAppInfoAPI {
 public:
     ~FCAocAppInfo_Proxy() override;
+
+    bool CreateAppInfo(const std::string &appInfo) override;
+    bool RemoveAppInfo(const std::string &appInfo) override;
+    bool UpdateAppInfo(const std::string &appInfo) override;
 };
 
 #endif
