@@ -37,9 +37,11 @@ virtual_now() {
         | "\($id)|\($p.id)|\(.)"' "$fixture" | sort)
     eq "channels, programmes and playback positions" "$expected" "$printed"
     eq "channels playing" "$(jq '.virtualChannels | length' "$fixture")" "$(grep -c '^    .*(\(CIRCLE\|LIVE\), event' "$C/run.txt")"
+    # Virtual channels are the services whose id carries channel type 9 (the app-on-channel
+    # services share their service type, not their id's type).
     local inMap
     inMap=$(sqlite3 -batch -noheader "$TV/opt/dbspace/db-tvs-service.db" \
-        "SELECT count(*) FROM service WHERE service_type = 9 AND chmap_index != -1")
+        "SELECT count(*) FROM service WHERE ((service_id >> 60) & 15) = 9 AND chmap_index != -1")
     ok "the summary counts the channel map's virtual services" \
         grep -qx "$inMap virtual channels in the channel map, $(jq '.virtualChannels | length' "$fixture") of them playing now" "$C/run.txt"
     ok "the client's log lines went to the run's log" grep -q 'FCAPI::Initialize' "$OUT/client.log"
