@@ -46,7 +46,8 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     char buffer[1024];
     va_list copy;
     va_copy(copy, args);
-    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);
+    // va_copy initialised copy; the analyser loses track of it through Print's va_list parameter.
+    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
     va_end(copy);
     if (n < 0)
         return -1;

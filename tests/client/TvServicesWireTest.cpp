@@ -518,6 +518,10 @@ TEST_F(TvServicesWireTest, LogLinesTagsAndPriorities)
 {
     const std::string ids = "[" + std::to_string(getpid()) + "][" + std::to_string(gettid()) + "]";
     const std::string rf = "4 kelvo-dbus-proxy " + ids + "FCRFNetworkChannelManager_Proxy::";
+    const std::string kInvalidSource =
+        "DBG_LV[0]FCMBRNetworkChannelManager_Proxy::AllocateActivityIDBySourceID() return false. source is invalid!\n";
+    const std::string kActivityAndSource =
+        "DBG_LV[0]activityId(2), sourceId(1)(If failed, same source could exists on other activityId)\n";
     Activity id = FCMBRNetworkChannelAPI::ACTIVITY_ID_0;
     g_mbr.Reset();
     g_mbr.AllocateActivityIDBySourceID(-1, id);
@@ -539,23 +543,20 @@ TEST_F(TvServicesWireTest, LogLinesTagsAndPriorities)
     g_rf.SetGenreForNavigation("");
     std::string file;
     g_thumbnail.GetDownloadedItem(kUrl, file);
-    EXPECT_EQ(LoggedLines(),
-              (std::vector<std::string>{
-                  "4 kelvo-dbus-proxy DBG_LV[0]FCMBRNetworkChannelManager_Proxy::Reset()\n",
-                  "5 kelvo-dbus-proxy DBG_LV[0]FCMBRNetworkChannelManager_Proxy::AllocateActivityIDBySourceID() return "
-                  "false. source is invalid!\n",
-                  "4 kelvo-dbus-proxy DBG_LV[0]sourceId(3)\n",
-                  "4 kelvo-dbus-proxy DBG_LV[0]activityId(2), sourceId(1)(If failed, same source could exists on "
-                  "other activityId)\n",
-                  rf + "Reset()\n",
-                  rf + "SetNavigationMode() Called, navigationMode : 1\n",
-                  rf + "GetNavigationMode(), navigationMode : 0\n",
-                  rf + "GetGenreForNavigation(), genre : mine\n",
-                  rf + "GetRFNetworkChannelMapByGenre(), key(genre) : news\n",
-                  rf + "GetRFNetworkChannelUpByGenre(), key(genre) : news\n",
-                  rf + "GetRFNetworkChannelDownByGenre(), key(genre) : movies\n",
-                  rf + "GetRFNetworkChannelCountByGenre(), genre : kids\n",
-              }));
+    EXPECT_EQ(LoggedLines(), (std::vector<std::string>{
+                                 "4 kelvo-dbus-proxy DBG_LV[0]FCMBRNetworkChannelManager_Proxy::Reset()\n",
+                                 "5 kelvo-dbus-proxy " + kInvalidSource,
+                                 "4 kelvo-dbus-proxy DBG_LV[0]sourceId(3)\n",
+                                 "4 kelvo-dbus-proxy " + kActivityAndSource,
+                                 rf + "Reset()\n",
+                                 rf + "SetNavigationMode() Called, navigationMode : 1\n",
+                                 rf + "GetNavigationMode(), navigationMode : 0\n",
+                                 rf + "GetGenreForNavigation(), genre : mine\n",
+                                 rf + "GetRFNetworkChannelMapByGenre(), key(genre) : news\n",
+                                 rf + "GetRFNetworkChannelUpByGenre(), key(genre) : news\n",
+                                 rf + "GetRFNetworkChannelDownByGenre(), key(genre) : movies\n",
+                                 rf + "GetRFNetworkChannelCountByGenre(), genre : kids\n",
+                             }));
     FakeDlog::Clear();
 
     // The recognition proxy: a start line, and its own failure line at priority 7 after the shared one.
