@@ -1,5 +1,5 @@
 // Host dlog: one line per call on standard error, "<P>/<tag>(<pid>): <message>", where <P> is
-// the priority letter. A message's own trailing newlines are dropped and inner ones escaped, so
+// the priority letter (or number). A message's own trailing newlines are dropped and inner ones escaped, so
 // that one call is always one line for whoever reads the stream.
 #include "dlog.h"
 
@@ -11,24 +11,14 @@
 #include <unistd.h>
 
 namespace {
-char PriorityLetter(int prio)
+// The priority as one letter where dlog names it (verbose to silent), else as its number: every
+// priority a caller passes, 0 and 1 and numbers out of the range included, stays readable apart.
+std::string PriorityName(int prio)
 {
-    switch (prio) {
-    case DLOG_VERBOSE:
-        return 'V';
-    case DLOG_DEBUG:
-        return 'D';
-    case DLOG_INFO:
-        return 'I';
-    case DLOG_WARN:
-        return 'W';
-    case DLOG_ERROR:
-        return 'E';
-    case DLOG_FATAL:
-        return 'F';
-    default:
-        return '?';
-    }
+    static const char kLetters[] = "VDIWEFS";
+    if (prio >= DLOG_VERBOSE && prio <= DLOG_SILENT)
+        return std::string(1, kLetters[prio - DLOG_VERBOSE]);
+    return std::to_string(prio);
 }
 
 // getpid() is a system call on every call; the value changes only in a forked child.
@@ -49,8 +39,6 @@ pid_t CachedPid()
 // Formats for dlog_print and __dlog_print, whose callers' formats the compiler has checked.
 __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const char *fmt, va_list args)
 {
-    if (prio == DLOG_SILENT)
-        return 0;
     if (fmt == nullptr)
         return -1;
 
@@ -58,7 +46,8 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     char buffer[1024];
     va_list copy;
     va_copy(copy, args);
-    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);
+    // va_copy initialised copy; the analyser loses track of it through Print's va_list parameter.
+    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
     va_end(copy);
     if (n < 0)
         return -1;
@@ -73,11 +62,10 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     while (length > 0 && message[length - 1] == '\n')
         --length;
 
-    char prefix[64];
-    const int prefixLength = snprintf(prefix, sizeof(prefix), "%c/", PriorityLetter(prio));
     std::string line;
     line.reserve(length + 64 + (tag != nullptr ? strlen(tag) : 0));
-    line.append(prefix, static_cast<size_t>(prefixLength));
+    line += PriorityName(prio);
+    line += '/';
     line += tag != nullptr ? tag : "";
     line += '(';
     line += std::to_string(static_cast<long>(CachedPid()));

@@ -1,5 +1,7 @@
 #include "SimContent.h"
 
+#include "SimJson.h"
+
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -11,48 +13,12 @@
 
 namespace {
 
-// Members read from requests and the fixture without trusting their kind: a request of the
-// wrong shape gets a "ret": false answer or an empty result, never a crash.
-std::string Str(const Json::Value &object, const char *key)
-{
-    if (!object.isObject() || !object.isMember(key))
-        return "";
-    const Json::Value &v = object[key];
-    if (v.isString())
-        return v.asString();
-    if (v.isUInt64())
-        return std::to_string(v.asUInt64());
-    if (v.isInt64())
-        return std::to_string(v.asInt64());
-    return "";
-}
-
-long long Num(const Json::Value &object, const char *key, long long fallback = 0)
-{
-    if (!object.isObject() || !object.isMember(key))
-        return fallback;
-    const Json::Value &v = object[key];
-    if (v.isInt64())
-        return v.asInt64();
-    if (v.isUInt64())
-        return static_cast<long long>(v.asUInt64());
-    if (v.isString()) {
-        const std::string s = v.asString();
-        char *end = nullptr;
-        long long n = strtoll(s.c_str(), &end, 10);
-        if (!s.empty() && end && *end == '\0')
-            return n;
-    }
-    return fallback;
-}
-
-const Json::Value &Member(const Json::Value &object, const char *key)
-{
-    static const Json::Value null;
-    if (!object.isObject() || !object.isMember(key))
-        return null;
-    return object[key];
-}
+using SimJson::DurationOf;
+using SimJson::Member;
+using SimJson::MergeInto;
+using SimJson::Num;
+using SimJson::StartOf;
+using SimJson::Str;
 
 bool ContainsNoCase(const std::string &haystack, const std::string &needle)
 {
@@ -60,27 +26,6 @@ bool ContainsNoCase(const std::string &haystack, const std::string &needle)
         return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
     });
     return it != haystack.end();
-}
-
-// Copies every member of a record object to the top level of a reply, where the record readers
-// of the client look for a single channel or programme.
-void MergeInto(const Json::Value &record, Json::Value &out)
-{
-    if (!record.isObject())
-        return;
-    for (const auto &key : record.getMemberNames())
-        out[key] = record[key];
-}
-
-unsigned long long StartOf(const Json::Value &programme)
-{
-    long long start = Num(programme, "utc start time");
-    return start < 0 ? 0 : static_cast<unsigned long long>(start);
-}
-
-long long DurationOf(const Json::Value &programme)
-{
-    return Num(programme, "duration");
 }
 
 }  // namespace
@@ -181,7 +126,34 @@ long long DurationOf(const Json::Value &programme)
     X("GetPresentProgramInfo", m_GetPresentProgramInfo)                                                                \
     X("GetProgramInfo", m_GetAocProgramInfo)                                                                           \
     X("GetProgramInfo_Indicator", m_GetAocProgramInfoByIndicator)                                                      \
-    X("SetVODResumeInfo", m_SetVODResumeInfo)
+    X("SetVODResumeInfo", m_SetVODResumeInfo)                                                                          \
+    X("AllocateActivityIDBySourceID", m_AllocateActivity)                                                              \
+    X("GetActivityIDBySourceID", m_GetActivityBySource)                                                                \
+    X("DeleteActivityID", m_DeleteActivity)                                                                            \
+    X("SetActivityIDSourceID", m_SetActivitySource)                                                                    \
+    X("AppendSourceIDIntoActivityID", m_AppendActivitySource)                                                          \
+    X("RemoveSourceIDWithinActivityID", m_RemoveActivitySource)                                                        \
+    X("SetGenreForNavigation", m_SetNavigationGenre)                                                                   \
+    X("GetGenreForNavigation", m_GetNavigationGenre)                                                                   \
+    X("GetRFNetworkChannelMapByGenre", m_GetRFChannelMap)                                                              \
+    X("GetRFNetworkChannelUpByGenre", m_GetRFChannelUp)                                                                \
+    X("GetRFNetworkChannelDownByGenre", m_GetRFChannelDown)                                                            \
+    X("GetRFNetworkChannelCountByGenre", m_GetRFChannelCount)                                                          \
+    X("GetPresentMetaProgram", m_GetPresentMetaProgram)                                                                \
+    X("GetNextMetaProgram", m_GetNextMetaProgram)                                                                      \
+    X("GetPrevMetaProgram", m_GetPrevMetaProgram)                                                                      \
+    X("GetMetaProgramMap", m_GetMetaProgramMap)                                                                        \
+    X("CheckMetaProgramExist", m_CheckMetaProgramExist)                                                                \
+    X("IsSupportMetadataforEPG", m_IsSupportMetadataforEPG)                                                            \
+    X("RegisterDownloadItem", m_RegisterDownload)                                                                      \
+    X("GetDownloadedItemByUrl", m_GetDownloadByUrl)                                                                    \
+    X("GetDownloadedItemById", m_GetDownloadById)                                                                      \
+    X("UnregisterDownloadItemByUrl", m_UnregisterDownloadByUrl)                                                        \
+    X("UnregisterDownloadItemById", m_UnregisterDownloadById)                                                          \
+    X("DeleteAllImage", m_DeleteAllImage)                                                                              \
+    X("IsNearProgramBoundary", m_IsNearProgramBoundary)                                                                \
+    X("GetVerifiedMeta", m_GetVerifiedMeta)                                                                            \
+    X("SetVerifiedACRInfo", m_SetVerifiedACRInfo)
 
 const std::map<std::string, KelvoSimContent::Handler> &KelvoSimContent::m_Handlers()
 {
@@ -251,6 +223,7 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
             pieces.push_back({static_cast<long long>(StartOf(programme)), ToCompactText(programme)});
     }
     m_LoadVirtual(m_fixture);
+    m_tv.reset();
     return true;
 }
 

@@ -4,6 +4,7 @@
 #define KELVO_SIM_CONTENT_H
 
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -146,6 +147,44 @@ private:
     std::map<std::string, AocPackage> m_aocPackages;  // by package id
     std::map<std::string, Json::Value> m_appInfos;    // by the information's "packageId"
     std::map<std::pair<std::string, std::string>, unsigned long long> m_resumePositions;  // (service, item)
+    // Network-channel activities, RF genre navigation, image downloads and content recognition
+    // (SimTvServices.cpp).
+    void m_AllocateActivity(Json::Value &in, Json::Value &out);
+    void m_GetActivityBySource(Json::Value &in, Json::Value &out);
+    void m_DeleteActivity(Json::Value &in, Json::Value &out);
+    void m_SetActivitySource(Json::Value &in, Json::Value &out);
+    void m_AppendActivitySource(Json::Value &in, Json::Value &out);
+    void m_RemoveActivitySource(Json::Value &in, Json::Value &out);
+    void m_SetNavigationGenre(Json::Value &in, Json::Value &out);
+    void m_GetNavigationGenre(Json::Value &in, Json::Value &out);
+    void m_GetRFChannelMap(Json::Value &in, Json::Value &out);
+    void m_GetRFChannelUp(Json::Value &in, Json::Value &out);
+    void m_GetRFChannelDown(Json::Value &in, Json::Value &out);
+    void m_GetRFChannelCount(Json::Value &in, Json::Value &out);
+    void m_GetPresentMetaProgram(Json::Value &in, Json::Value &out);
+    void m_GetNextMetaProgram(Json::Value &in, Json::Value &out);
+    void m_GetPrevMetaProgram(Json::Value &in, Json::Value &out);
+    void m_GetMetaProgramMap(Json::Value &in, Json::Value &out);
+    void m_CheckMetaProgramExist(Json::Value &in, Json::Value &out);
+    void m_IsSupportMetadataforEPG(Json::Value &in, Json::Value &out);
+    void m_RegisterDownload(Json::Value &in, Json::Value &out);
+    void m_GetDownloadByUrl(Json::Value &in, Json::Value &out);
+    void m_GetDownloadById(Json::Value &in, Json::Value &out);
+    void m_UnregisterDownloadByUrl(Json::Value &in, Json::Value &out);
+    void m_UnregisterDownloadById(Json::Value &in, Json::Value &out);
+    void m_DeleteAllImage(Json::Value &in, Json::Value &out);
+    void m_IsNearProgramBoundary(Json::Value &in, Json::Value &out);
+    void m_GetVerifiedMeta(Json::Value &in, Json::Value &out);
+    void m_SetVerifiedACRInfo(Json::Value &in, Json::Value &out);
+
+    struct TvServices;
+    // The activities' sources, the navigation genre, the downloads and the recognitions; new
+    // with every fixture.
+    std::shared_ptr<TvServices> m_tv;
+    TvServices &m_Tv();
+    std::vector<std::pair<unsigned long long, const Json::Value *>> m_RFChannels(const std::string &genre) const;
+    std::vector<const Json::Value *> m_ProgrammesOfService(unsigned long long serviceId) const;
+    long long m_Now() const;
 };
 
 #endif
