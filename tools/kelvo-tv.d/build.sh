@@ -10,7 +10,10 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           dbus-daemon dbus-bin       # its bus; dbus-send, dbus-monitor, dbus-run-session
           systemd                    # busctl
           shellcheck clang-format    # the checks of kelvo-tv test
-          clang clang-tidy libclang-rt-14-dev)  # static analysis, ThreadSanitizer, fuzzing
+          clang clang-tidy libclang-rt-14-dev   # static analysis, ThreadSanitizer, fuzzing
+          libefl-all-dev             # the result popup (Elementary; edje_cc for its theme extension)
+          xvfb evilwm                # its virtual display, with a window manager to take the window in
+          tesseract-ocr tesseract-ocr-eng xdotool imagemagick)  # its tests: read the screen, click OK
 
 ensure_packages() {
     local missing=() p
