@@ -13,7 +13,10 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           clang clang-tidy libclang-rt-14-dev  # static analysis, ThreadSanitizer, fuzzing
           xvfb dunst                 # a real notification server under an X server of its own
           udev                       # udev.pc: where the launch rule is installed
-          xmltv-util)                # tv_validate_file checks the inspector's XMLTV
+          xmltv-util                 # tv_validate_file checks the inspector's XMLTV
+          libefl-all-dev             # the result popup (Elementary; edje_cc for its theme extension)
+          evilwm                     # a window manager for the popup's virtual display
+          tesseract-ocr tesseract-ocr-eng xdotool imagemagick)  # the popup's tests: read the screen, click OK
 
 ensure_packages() {
     local missing=() p
