@@ -13,12 +13,17 @@
 namespace {
 // The priority as one letter where dlog names it (verbose to silent), else as its number: every
 // priority a caller passes, 0 and 1 and numbers out of the range included, stays readable apart.
-std::string PriorityName(int prio)
+// Written into the caller's buffer: this runs for every line.
+const char *PriorityName(int prio, char (&text)[16])
 {
     static const char kLetters[] = "VDIWEFS";
-    if (prio >= DLOG_VERBOSE && prio <= DLOG_SILENT)
-        return std::string(1, kLetters[prio - DLOG_VERBOSE]);
-    return std::to_string(prio);
+    if (prio >= DLOG_VERBOSE && prio <= DLOG_SILENT) {
+        text[0] = kLetters[prio - DLOG_VERBOSE];
+        text[1] = '\0';
+    } else {
+        snprintf(text, sizeof text, "%d", prio);
+    }
+    return text;
 }
 
 // getpid() is a system call on every call; the value changes only in a forked child.
@@ -62,19 +67,23 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     while (length > 0 && message[length - 1] == '\n')
         --length;
 
+    char name[16];
+    char pid[32];
+    const int pidLength = snprintf(pid, sizeof pid, "(%ld): ", static_cast<long>(CachedPid()));
     std::string line;
     line.reserve(length + 64 + (tag != nullptr ? strlen(tag) : 0));
-    line += PriorityName(prio);
+    line += PriorityName(prio, name);
     line += '/';
     line += tag != nullptr ? tag : "";
-    line += '(';
-    line += std::to_string(static_cast<long>(CachedPid()));
-    line += "): ";
-    for (size_t i = 0; i < length; ++i) {
-        if (message[i] == '\n')
-            line += "\\n";
-        else
-            line += message[i];
+    line.append(pid, static_cast<size_t>(pidLength));
+    for (const char *p = message, *end = message + length; p < end;) {
+        const char *newline = static_cast<const char *>(memchr(p, '\n', static_cast<size_t>(end - p)));
+        if (newline == nullptr) {
+            line.append(p, end);
+            break;
+        }
+        line.append(p, newline).append("\\n");
+        p = newline + 1;
     }
     line += '\n';
 
