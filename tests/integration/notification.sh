@@ -26,6 +26,11 @@ wait_for() {
     done
 }
 
+notification_server_owned() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+        org.freedesktop.DBus.NameHasOwner string:org.freedesktop.Notifications | grep -q 'boolean true'
+}
+
 in_dunst_history() {
     CASE=in-dunst-history C="$WORK"
     trap 'stop_servers; rm -rf "$WORK"' EXIT
@@ -49,11 +54,17 @@ in_dunst_history() {
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$WORK/bus"
     dunst >"$WORK/dunst.log" 2>&1 &
     SERVERS+=($!)
+    # dunst answers its own interface before it owns the notification service's name; the post
+    # needs the name.
     wait_for 10 dunstctl is-paused || { echo "FAIL: dunst did not come up: $(tail -n 3 "$WORK/dunst.log")"; exit 1; }
+    wait_for 10 notification_server_owned ||
+        { echo "FAIL: dunst did not take org.freedesktop.Notifications: $(tail -n 3 "$WORK/dunst.log")"; exit 1; }
 
     bwrap --unshare-user --die-with-parent --ro-bind / / --dev /dev --proc /proc --tmpfs /tmp --bind "$WORK" "$WORK" \
         "$BUILD/tests/integration/kelvo-post-result" 1 >"$WORK/post.txt" 2>&1
-    eq "kelvo-post-result's status" 0 "$?"
+    local posted=$?
+    eq "kelvo-post-result's status" 0 "$posted"
+    [ "$posted" -eq 0 ] || sed 's/^/  post | /' "$WORK/post.txt"
     # The history holds what the server has stopped showing; close it first.
     dunstctl close-all
     dunstctl history >"$WORK/history.json"
