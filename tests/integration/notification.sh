@@ -60,7 +60,9 @@ in_dunst_history() {
     wait_for 10 notification_server_owned ||
         { echo "FAIL: dunst did not take org.freedesktop.Notifications: $(tail -n 3 "$WORK/dunst.log")"; exit 1; }
 
-    bwrap --unshare-user --die-with-parent --ro-bind / / --dev /dev --proc /proc --tmpfs /tmp --bind "$WORK" "$WORK" \
+    # The tree and the build stay visible when they lie below /tmp (a CI checkout).
+    bwrap --unshare-user --die-with-parent --ro-bind / / --dev /dev --proc /proc --tmpfs /tmp \
+        --ro-bind "$ROOT" "$ROOT" --ro-bind "$BUILD" "$BUILD" --bind "$WORK" "$WORK" \
         "$BUILD/tests/integration/kelvo-post-result" 1 >"$WORK/post.txt" 2>&1
     local posted=$?
     eq "kelvo-post-result's status" 0 "$posted"
