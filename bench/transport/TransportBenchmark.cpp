@@ -22,6 +22,7 @@
 #include <json/json.h>
 #include <systemd/sd-bus.h>
 
+#include "BestReporter.h"
 #include "FCJsonHelper.h"
 #include "FCMarshal.h"
 #include "FCRemoteContentOnTV_Proxy.h"
@@ -171,32 +172,6 @@ std::string ProgramMapReply()
     return FCJsonHelper::WriteCompact(reply);
 }
 
-class SummaryReporter : public benchmark::ConsoleReporter {
-public:
-    // Best seconds per iteration of each benchmark over its rounds, by its name without the round.
-    std::map<std::string, double> best;
-
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.iterations <= 0 || run.error_occurred)
-                continue;
-            std::string name = run.run_name.function_name;
-            name = name.substr(0, name.find('#'));
-            // The round trips involve other processes and count in wall time; decoding is this
-            // process's own work and counts in its CPU time, which other load on the machine
-            // does not stretch.
-            bool ownWork = name.rfind("ProgramMapDecode", 0) == 0 || name.rfind("JsoncppParse", 0) == 0;
-            double total = ownWork ? run.cpu_accumulated_time : run.real_accumulated_time;
-            double seconds = total / static_cast<double>(run.iterations);
-            auto it = best.find(name);
-            if (it == best.end() || seconds < it->second)
-                best[name] = seconds;
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
 bool StartBare(const std::string &address)
 {
     if (sd_bus_new(&g_bare) < 0)
@@ -205,10 +180,10 @@ bool StartBare(const std::string &address)
            sd_bus_start(g_bare) >= 0;
 }
 
-void Ratio(const char *name, SummaryReporter &reporter, const char *ours, const char *limit)
+void Ratio(const char *name, KelvoBestReporter &reporter, const char *ours, const char *limit)
 {
-    double a = reporter.best.count(ours) ? reporter.best[ours] : 0;
-    double b = reporter.best.count(limit) ? reporter.best[limit] : 0;
+    double a = reporter.Best(ours);
+    double b = reporter.Best(limit);
     if (a <= 0 || b <= 0) {
         std::printf("RATIO %s unavailable\n", name);
         return;
@@ -256,7 +231,11 @@ int main(int argc, char **argv)
     const int savedStderr = dup(STDERR_FILENO);
     const int devNull = open("/dev/null", O_WRONLY);
     dup2(devNull, STDERR_FILENO);
-    SummaryReporter reporter;
+    // The round trips involve other processes and count in wall time; decoding is this process's
+    // own work.
+    KelvoBestReporter reporter([](const std::string &name) {
+        return name.rfind("ProgramMapDecode", 0) == 0 || name.rfind("JsoncppParse", 0) == 0;
+    });
     benchmark::RunSpecifiedBenchmarks(&reporter);
     double proxyMedian = 0, bareMedian = 0;
     const double callRatio = PairedCallRatio(kPairs, proxyMedian, bareMedian);

@@ -13,6 +13,7 @@
 #include <benchmark/benchmark.h>
 #include <json/json.h>
 
+#include "BestReporter.h"
 #include "FCJsonHelper.h"
 #include "FCMarshal.h"
 
@@ -102,27 +103,6 @@ std::string VirtualMapReply()
     return FCJsonHelper::WriteCompact(reply);
 }
 
-class SummaryReporter : public benchmark::ConsoleReporter {
-public:
-    // Best CPU seconds per iteration of each benchmark over its rounds, by its name without the round.
-    std::map<std::string, double> best;
-
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.iterations <= 0 || run.error_occurred)
-                continue;
-            std::string name = run.run_name.function_name;
-            name = name.substr(0, name.find('#'));
-            double seconds = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-            auto it = best.find(name);
-            if (it == best.end() || seconds < it->second)
-                best[name] = seconds;
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
 }  // namespace
 
 int main(int argc, char **argv)
@@ -138,13 +118,14 @@ int main(int argc, char **argv)
             ->Unit(benchmark::kMillisecond);
     }
     benchmark::Initialize(&argc, argv);
-    SummaryReporter reporter;
+    // Both decode in this process: CPU time.
+    KelvoBestReporter reporter([](const std::string &) { return true; });
     benchmark::RunSpecifiedBenchmarks(&reporter);
 
     std::printf("virtual programme map reply: %zu bytes, %d programmes of %d items\n", g_reply.size(), kProgrammes,
                 kItemsPerProgramme);
-    const double ours = reporter.best.count("VirtualMapDecode") ? reporter.best["VirtualMapDecode"] : 0;
-    const double limit = reporter.best.count("JsoncppParse") ? reporter.best["JsoncppParse"] : 0;
+    const double ours = reporter.Best("VirtualMapDecode");
+    const double limit = reporter.Best("JsoncppParse");
     if (ours <= 0 || limit <= 0) {
         std::printf("RATIO virtualmap_decode unavailable\n");
         return 1;
