@@ -1,4 +1,5 @@
-// The best seconds per iteration of each benchmark over its rounds, by its name without the round
+// What the benchmarks that alternate rounds share: their limit for a reply decoder, and the best
+// seconds per iteration of each benchmark over its rounds, by its name without the round
 // ("Name#2" counts as "Name"), beside the console's usual lines. Work of this process alone counts
 // in its CPU time, which other load on the machine does not stretch; work that waits on other
 // processes (a round trip over the bus) counts in wall time.
@@ -6,12 +7,28 @@
 #define KELVO_BENCH_BESTREPORTER_H
 
 #include <benchmark/benchmark.h>
+#include <json/json.h>
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+// The limit of every reply decoder: jsoncpp's bare parse of the same text, with a fresh reader as
+// the client makes one per reply.
+inline void KelvoBenchBareParse(benchmark::State &state, const std::string &text)
+{
+    Json::CharReaderBuilder builder;
+    for (auto _ : state) {
+        Json::Value reply;
+        std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+        if (!reader->parse(text.data(), text.data() + text.size(), &reply, nullptr))
+            state.SkipWithError("parse failed");
+        benchmark::DoNotOptimize(reply);
+    }
+}
 
 class KelvoBestReporter : public benchmark::ConsoleReporter {
 public:

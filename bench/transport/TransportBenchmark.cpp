@@ -122,16 +122,7 @@ void BM_ProgramMapDecode(benchmark::State &state)
 
 void BM_JsoncppParse(benchmark::State &state)
 {
-    Json::CharReaderBuilder builder;
-    for (auto _ : state) {
-        Json::Value reply;
-        std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-        bool ok = reader->parse(g_programMapReply.data(), g_programMapReply.data() + g_programMapReply.size(), &reply,
-                                nullptr);
-        if (!ok)
-            state.SkipWithError("parse failed");
-        benchmark::DoNotOptimize(reply);
-    }
+    KelvoBenchBareParse(state, g_programMapReply);
 }
 
 // A reply as the daemon sends it: every member of every programme filled.

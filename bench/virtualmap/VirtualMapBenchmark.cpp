@@ -40,14 +40,7 @@ void BM_VirtualMapDecode(benchmark::State &state)
 
 void BM_JsoncppParse(benchmark::State &state)
 {
-    Json::CharReaderBuilder builder;
-    for (auto _ : state) {
-        Json::Value reply;
-        std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-        if (!reader->parse(g_reply.data(), g_reply.data() + g_reply.size(), &reply, nullptr))
-            state.SkipWithError("parse failed");
-        benchmark::DoNotOptimize(reply);
-    }
+    KelvoBenchBareParse(state, g_reply);
 }
 
 // A reply as the daemon sends it: every key of schedule, content and item filled, and the keys

@@ -10,27 +10,11 @@
 #include <vector>
 
 #include "FCTvlumeContent.h"
+#include "SimFolderTest.h"
 
 namespace {
 
-class RatingCountry : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kelvo-sim-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        setenv("KELVO_SIM_FOLDER", m_folder.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        unsetenv("KELVO_SIM_FOLDER");
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    std::string m_folder;
-};
+using RatingCountry = KelvoSimFolderTest;
 
 TEST_F(RatingCountry, TheTvsCountryPicksTheTable)
 {
@@ -48,7 +32,7 @@ TEST_F(RatingCountry, TheTvsCountryPicksTheTable)
         SCOPED_TRACE(row.country != nullptr ? row.country : "(none)");
         std::filesystem::remove(m_folder + "/country");
         if (row.country != nullptr)
-            std::ofstream(m_folder + "/country") << row.country << "\n";
+            Write("country", std::string(row.country) + "\n");
         Json::Value json;
         json["ratings"] = row.ratings;
         RatingInfo out;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "FCTimeWrapper.h"
+#include "SimFolderTest.h"
 #include "TVServiceAPI.h"
 #include "vconf.h"
 
@@ -53,30 +54,7 @@ TEST(HostTime, EpochToLocalAndBackThroughTheOffset)
     EXPECT_LE(now, before + 5);
 }
 
-class HostSimFolder : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kelvo-sim-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-        setenv("KELVO_SIM_FOLDER", m_folder.c_str(), 1);
-    }
-    void TearDown() override
-    {
-        unsetenv("KELVO_SIM_FOLDER");
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-    void Write(const std::string &relative, const std::string &text) const
-    {
-        const std::filesystem::path path = m_folder + "/" + relative;
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
-    }
-
-    std::string m_folder;
-};
+using HostSimFolder = KelvoSimFolderTest;
 
 TEST_F(HostSimFolder, VconfReadsOneFilePerKey)
 {
