@@ -1,7 +1,10 @@
 // Host dlog: one line per call on standard error, "<P>/<tag>(<pid>): <message>", where <P> is
 // the priority letter (or number). A message's own trailing newlines are dropped and inner ones escaped, so
-// that one call is always one line for whoever reads the stream.
+// that one call is always one line for whoever reads the stream. The lines go out through the
+// host's log stream (KelvoHostLog.cpp), in batches; an error or a fatal line goes out at once.
 #include "dlog.h"
+
+#include "KelvoHostLog.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -87,14 +90,8 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     }
     line += '\n';
 
-    // One write per line keeps lines of concurrent writers whole.
-    size_t done = 0;
-    while (done < line.size()) {
-        ssize_t w = write(STDERR_FILENO, line.data() + done, line.size() - done);
-        if (w <= 0)
-            break;
-        done += static_cast<size_t>(w);
-    }
+    KelvoHostLog::Write(line.data(), line.size(), prio >= DLOG_ERROR && prio <= DLOG_FATAL);
+    const size_t done = line.size();
     return static_cast<int>(done);
 }
 }  // namespace

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 
+#include "KelvoHostLog.h"
 #include "TVServiceAPI.h"
 #include "TvsTestState.h"
 
@@ -146,10 +147,12 @@ TEST_F(ServiceQuery, ReadingAnAbsentTagPrintsTheMissingTagLinesAndYieldsZero)
 
     ::testing::internal::CaptureStderr();
     long long present = analogue->Get(13);
+    KelvoHostLog::Flush();
     std::string quiet = ::testing::internal::GetCapturedStderr();
     ::testing::internal::CaptureStderr();
     long long minor = analogue->Get(14);
     long long notFetched = analogue->Get(17);
+    KelvoHostLog::Flush();
     std::string printed = ::testing::internal::GetCapturedStderr();
 
     EXPECT_EQ(present, 7);

@@ -88,6 +88,15 @@ TEST(Milestones, WhatAPersonSeesOfARun)
          "metadata export: 2/2 sources with programmes (of 3, 1 unmatched), 3 rows\n"
          "copy of the middleware's data to the stick: status 0 (1 source this TV does not have)\n"
          "result posted: ChannelMap Dump Success\n"},
+        // kelvo-util's log is written in batches, cp's lines are not.
+        {"a dump whose copy names a source before the metadata export's last line",
+         {Util("Start to Backup ProgramData of Meta"), Util("source Id size:1"),
+          "/usr/bin/cp: cannot stat '/opt/usr/globalapps/tvs-iss/data/*': No such file or directory",
+          Util("End to Backup ProgramData of Meta"),
+          "/usr/bin/cp: cannot stat '/opt/dbspace/UpdateTransponderDataBase.sei': No such file or directory",
+          Util("dump result=0,")},
+         "metadata export: 0/0 sources with programmes (of 1, 0 unmatched), 0 rows\n"
+         "copy of the middleware's data to the stick: status 0 (2 sources this TV does not have)\n"},
         {"no storage",
          {Util("usb_device_init return = 0"), Util("device number is 0"), Util("kelvo-util 111 .....")},
          "branch: no USB storage (reported as a failed dump)\n"},

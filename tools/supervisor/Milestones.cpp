@@ -96,7 +96,9 @@ void KelvoMilestones::Line(const std::string &line)
         bool done = !result.empty() && result[0] != '-' && result != "0";
         m_Print("TVS " + operation + (operation == "backup" ? " into " : " from ") + folder + ": " +
                 (done ? "done" : "FAILED") + " (result " + result + ")");
-    } else if (Contains(text, "cannot stat") && m_phase == Phase::Copy) {
+    } else if (Contains(text, "cannot stat") && (m_phase == Phase::Copy || m_phase == Phase::Metadata)) {
+        // kelvo-util's lines are written in batches; cp's own may come just before the line that
+        // ends the metadata export.
         ++m_missing;
     } else if (StartsWith(text, "\u2026 log truncated")) {
         m_Print("log truncated: the rest of the run is not kept (--log-limit)");
@@ -139,9 +141,11 @@ void KelvoMilestones::m_Message(const std::string &message)
             ++m_unmatched;
         m_Count();
     } else if (StartsWith(message, "End to Backup ProgramData of Meta")) {
+        const long long early = m_missing;
         m_End("");
         // The copy of the middleware's folders follows; cp names each source this TV lacks.
         m_Begin(Phase::Copy);
+        m_missing = early;
     } else if (StartsWith(message, "dump result=")) {
         m_End(Trimmed(message.substr(12)));
     } else if (StartsWith(message, "restore time is ")) {
