@@ -6,6 +6,7 @@
 
 #include "KelvoHostLog.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -30,18 +31,22 @@ const char *PriorityName(int prio, char (&text)[16])
 }
 
 // getpid() is a system call on every call; the value changes only in a forked child.
-pid_t g_pid = 0;
+// Threads log at once: the value is atomic.
+std::atomic<pid_t> g_pid{0};
 void ForgetPid()
 {
-    g_pid = 0;
+    g_pid.store(0, std::memory_order_relaxed);
 }
 pid_t CachedPid()
 {
     static const int registered = pthread_atfork(nullptr, nullptr, ForgetPid);
     (void)registered;
-    if (g_pid == 0)
-        g_pid = getpid();
-    return g_pid;
+    pid_t pid = g_pid.load(std::memory_order_relaxed);
+    if (pid == 0) {
+        pid = getpid();
+        g_pid.store(pid, std::memory_order_relaxed);
+    }
+    return pid;
 }
 
 // Formats for dlog_print and __dlog_print, whose callers' formats the compiler has checked.
