@@ -32,7 +32,7 @@ extern "C" void __sanitizer_set_death_callback(void (*callback)(void)) __attribu
 
 namespace {
 const size_t kBatchBytes = PIPE_BUF;
-const long long kQuietNs = 200 * 1000LL;
+const long long kQuietNs = 500 * 1000LL;
 const long long kMaxAgeNs = 10 * 1000 * 1000LL;
 
 long long MonotonicNs()

@@ -49,41 +49,30 @@ pid_t CachedPid()
     return pid;
 }
 
-// Formats for dlog_print and __dlog_print, whose callers' formats the compiler has checked.
-__attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const char *fmt, va_list args)
-{
-    if (fmt == nullptr)
-        return -1;
+// "(<pid>): ", kept with the pid it was made for.
+struct PidText {
+    pid_t pid = 0;
+    char text[32] = {};
+    size_t length = 0;
+};
+thread_local PidText t_pidText;
 
-    // Most messages fit the stack buffer, and are then formatted once.
-    char buffer[1024];
-    va_list copy;
-    va_copy(copy, args);
-    // va_copy initialised copy; the analyser loses track of it through Print's va_list parameter.
-    int n = vsnprintf(buffer, sizeof(buffer), fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
-    va_end(copy);
-    if (n < 0)
-        return -1;
-    std::string longMessage;
-    const char *message = buffer;
-    if (static_cast<size_t>(n) >= sizeof(buffer)) {
-        longMessage.resize(static_cast<size_t>(n));
-        vsnprintf(&longMessage[0], longMessage.size() + 1, fmt, args);
-        message = longMessage.c_str();
+const PidText &CurrentPidText()
+{
+    const pid_t pid = CachedPid();
+    if (t_pidText.pid != pid) {
+        const int n = snprintf(t_pidText.text, sizeof t_pidText.text, "(%ld): ", static_cast<long>(pid));
+        t_pidText.length = n > 0 ? static_cast<size_t>(n) : 0;
+        t_pidText.pid = pid;
     }
-    size_t length = static_cast<size_t>(n);
+    return t_pidText;
+}
+
+// The line for a message that holds newlines or does not fit the stack: built on the heap.
+void AppendMessage(std::string &line, const char *message, size_t length)
+{
     while (length > 0 && message[length - 1] == '\n')
         --length;
-
-    char name[16];
-    char pid[32];
-    const int pidLength = snprintf(pid, sizeof pid, "(%ld): ", static_cast<long>(CachedPid()));
-    std::string line;
-    line.reserve(length + 64 + (tag != nullptr ? strlen(tag) : 0));
-    line += PriorityName(prio, name);
-    line += '/';
-    line += tag != nullptr ? tag : "";
-    line.append(pid, static_cast<size_t>(pidLength));
     for (const char *p = message, *end = message + length; p < end;) {
         const char *newline = static_cast<const char *>(memchr(p, '\n', static_cast<size_t>(end - p)));
         if (newline == nullptr) {
@@ -94,10 +83,64 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
         p = newline + 1;
     }
     line += '\n';
+}
 
-    KelvoHostLog::Write(line.data(), line.size(), prio >= DLOG_ERROR && prio <= DLOG_FATAL);
-    const size_t done = line.size();
-    return static_cast<int>(done);
+// Formats for dlog_print and __dlog_print, whose callers' formats the compiler has checked.
+__attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const char *fmt, va_list args)
+{
+    if (fmt == nullptr)
+        return -1;
+    const bool urgent = prio >= DLOG_ERROR && prio <= DLOG_FATAL;
+
+    // The usual line, "<P>/<tag>(<pid>): <message>\n", is formatted once, in place after its
+    // prefix, on the stack: this runs for every line.
+    char line[1280];
+    char name[16];
+    const char *priority = PriorityName(prio, name);
+    const char *tagText = tag != nullptr ? tag : "";
+    const size_t priorityLength = strlen(priority), tagLength = strlen(tagText);
+    const PidText &pid = CurrentPidText();
+    const size_t prefix = priorityLength + 1 + tagLength + pid.length;
+    if (prefix < sizeof(line) / 4) {
+        memcpy(line, priority, priorityLength);
+        line[priorityLength] = '/';
+        memcpy(line + priorityLength + 1, tagText, tagLength);
+        memcpy(line + priorityLength + 1 + tagLength, pid.text, pid.length);
+        va_list copy;
+        va_copy(copy, args);
+        // va_copy initialised copy; the analyser loses track of it through Print's va_list parameter.
+        const int n =
+            vsnprintf(line + prefix, sizeof(line) - prefix, fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
+        va_end(copy);
+        if (n < 0)
+            return -1;
+        size_t length = static_cast<size_t>(n);
+        if (prefix + length + 1 < sizeof(line)) {
+            while (length > 0 && line[prefix + length - 1] == '\n')
+                --length;
+            if (memchr(line + prefix, '\n', length) == nullptr) {
+                line[prefix + length] = '\n';
+                KelvoHostLog::Write(line, prefix + length + 1, urgent);
+                return static_cast<int>(prefix + length + 1);
+            }
+        }
+    }
+
+    std::string message;
+    va_list copy;
+    va_copy(copy, args);
+    const int n = vsnprintf(nullptr, 0, fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
+    va_end(copy);
+    if (n < 0)
+        return -1;
+    message.resize(static_cast<size_t>(n));
+    vsnprintf(&message[0], message.size() + 1, fmt, args);
+    std::string text;
+    text.reserve(prefix + message.size() + 16);
+    text.append(priority).append(1, '/').append(tagText).append(pid.text, pid.length);
+    AppendMessage(text, message.data(), message.size());
+    KelvoHostLog::Write(text.data(), text.size(), urgent);
+    return static_cast<int>(text.size());
 }
 }  // namespace
 

@@ -407,7 +407,7 @@ void KelvoUtilDataHandler::SaveProgramInfoByServiceID(std::list<unsigned long lo
                 if (entry.second == nullptr)
                     continue;
                 KelvoUtilProgramData row(entry.second);
-                m_dbHelper.InsertProgramRF(row);
+                m_dbHelper.InsertProgramRF(std::move(row));
                 delete entry.second;
             }
         }
@@ -458,7 +458,7 @@ void KelvoUtilDataHandler::SaveProgramInfoFromMeta()
         // Programmes of a source the match finder does not know are kept, under the all-ones id.
         for (FCRemoteProgram &program : entry.second) {
             KelvoUtilProgramData row(program, serviceId);
-            m_dbHelper.InsertProgramMeta(row);
+            m_dbHelper.InsertProgramMeta(std::move(row));
         }
     }
 }

@@ -226,7 +226,7 @@ void KelvoUtilDatabaseHelper::m_InsertRow(KelvoUtilDbQueryHelper &row)
 {
     std::string query;
     row.GetInsertQuery(query);
-    ExecuteQuery(query);
+    ExecuteQuery(std::move(query));
     if (m_inBatch && m_batch.size() >= kRowsPerBatch) {
         m_CommitBatch();
         m_BeginBatch();

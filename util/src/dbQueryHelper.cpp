@@ -12,9 +12,17 @@ const char *const kColumnNames[] = {
 };
 const int kColumnCount = static_cast<int>(sizeof(kColumnNames) / sizeof(kColumnNames[0]));
 
-std::string Join(const std::list<std::string> &items)
+size_t JoinedSize(const std::list<std::string> &items)
 {
-    std::string text;
+    size_t size = 0;
+    for (const std::string &item : items) {
+        size += item.size() + 2;
+    }
+    return size;
+}
+
+void AppendJoined(std::string &text, const std::list<std::string> &items)
+{
     bool first = true;
     for (const std::string &item : items) {
         if (!first) {
@@ -23,7 +31,6 @@ std::string Join(const std::list<std::string> &items)
         text += item;
         first = false;
     }
-    return text;
 }
 
 // Statement texts go through SQLite's formatter, whose directives read, as this guard reads them:
@@ -159,8 +166,17 @@ bool KelvoUtilDbQueryHelper::GetInsertQuery(std::string &out)
     if (m_columnNames.empty() || m_columnValues.empty()) {
         return false;
     }
-    std::string query =
-        "INSERT OR IGNORE INTO " + m_tableName + " (" + Join(m_columnNames) + ") VALUES (" + Join(m_columnValues) + ")";
+    // Built in one buffer: a statement is made for every row of a dump.
+    static const char kInsert[] = "INSERT OR IGNORE INTO ";
+    static const char kValues[] = ") VALUES (";
+    std::string query;
+    query.reserve(sizeof kInsert + m_tableName.size() + 2 + JoinedSize(m_columnNames) + sizeof kValues +
+                  JoinedSize(m_columnValues) + 1);
+    query.append(kInsert).append(m_tableName).append(" (");
+    AppendJoined(query, m_columnNames);
+    query.append(kValues);
+    AppendJoined(query, m_columnValues);
+    query += ')';
     KELVO_UTIL_LOG("query: %s", query.c_str());
     out = std::move(query);
     return true;
@@ -226,7 +242,10 @@ std::string KelvoUtilDbQueryHelper::ReplaceApostropheForQuery(std::string text)
     for (size_t pos = text.find('\''); pos != std::string::npos; pos = text.find('\'', pos + 1)) {
         text[pos] = '"';
     }
-    return "'" + text + "'";
+    std::string quoted;
+    quoted.reserve(text.size() + 2);
+    quoted.append(1, '\'').append(text).append(1, '\'');
+    return quoted;
 }
 
 void KelvoUtilDbQueryHelper::Clear()

@@ -12,6 +12,11 @@ class KelvoUtilProgramData {
 public:
     explicit KelvoUtilProgramData(TCProgramData *event);
     KelvoUtilProgramData(FCRemoteProgram &program, unsigned long long serviceId);
+    KelvoUtilProgramData(const KelvoUtilProgramData &) = default;
+    // A row is handed by value to the database; its texts move along with it.
+    KelvoUtilProgramData(KelvoUtilProgramData &&) noexcept = default;
+    KelvoUtilProgramData &operator=(const KelvoUtilProgramData &) = default;
+    KelvoUtilProgramData &operator=(KelvoUtilProgramData &&) noexcept = default;
     ~KelvoUtilProgramData();
 
     unsigned long long ServiceId() const { return m_serviceId; }

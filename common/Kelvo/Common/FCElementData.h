@@ -18,7 +18,9 @@ class FCRemoteProgram {
 public:
     FCRemoteProgram() = default;
     FCRemoteProgram(const FCRemoteProgram &) = default;
+    FCRemoteProgram(FCRemoteProgram &&) noexcept = default;
     FCRemoteProgram &operator=(const FCRemoteProgram &) = default;
+    FCRemoteProgram &operator=(FCRemoteProgram &&) noexcept = default;
     virtual ~FCRemoteProgram() = default;
 
     static bool ToJson(const FCRemoteProgram &program, Json::Value &out);
