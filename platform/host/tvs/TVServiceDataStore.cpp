@@ -315,7 +315,7 @@ bool EventReader::m_Open(const std::string &path, const struct stat &file)
     if (m_db == nullptr)
         return false;
     const char *sql = "SELECT event_id, start_time, duration, language, title, extended_text FROM event "
-                      "WHERE service_id = ? AND start_time >= ? AND start_time < ? ORDER BY event_id";
+                      "WHERE service_id = ? AND start_time >= ? AND start_time < ? ORDER BY start_time";
     if (sqlite3_prepare_v2(m_db, sql, -1, &m_stmt, nullptr) != SQLITE_OK) {
         TCApiPrintMessage("[TVS] %s: %s", path.c_str(), sqlite3_errmsg(m_db));
         m_Close();

@@ -77,7 +77,8 @@ public:
 
     // Services in the middleware's listing order.
     static bool ReadServices(const std::string &path, std::vector<TCStoredService> &out);
-    // Events of one service whose start lies in [from, to), by event id.
+    // Events of one service whose start lies in [from, to), by start time (the guide keys them by
+    // event id itself: sorting them here would cost a sort per service).
     static bool ReadEvents(const std::string &path, unsigned long long serviceId, long long from, long long to,
                            std::vector<TCStoredEvent> &out);
     // Writes the channel map (the services with a map position, in map order) into a new file.
