@@ -124,6 +124,20 @@ TEST_F(SupervisorTest, EveryNotificationIsOnRecordWhenTheRunEnds)
     EXPECT_EQ(Read("notifications.tsv"), "kelvo-util\tTitle\tText\t20000\n");
 }
 
+// The content daemon simulator says it is ready before its fixture has loaded; one that then fails
+// is shown once the process has ended, and the process ran all the same.
+TEST_F(SupervisorTest, ShowsTheLogOfAContentDaemonThatEndedDuringTheRun)
+{
+    std::ofstream(m_folder + "/fixture.json") << "{\"programs\": 5}";
+    const std::string waitForTheDaemonToGo =
+        std::string("while busctl --user status ") + KelvoDaemonBus::kBusName + " >/dev/null 2>&1; do sleep 0.05; done";
+    EXPECT_EQ(Run({"--no-notify", "--fixture", m_folder + "/fixture.json", "--", "sh", "-c", waitForTheDaemonToGo}), 0);
+    const std::string note = "kelvo-tv-supervisor: note: the content daemon simulator ended during the run:\n"
+                             "kelvo-daemon-sim: " +
+                             m_folder + "/fixture.json: fixture member \"programs\" has the wrong kind\n";
+    EXPECT_NE(Read("supervisor.txt").find(note), std::string::npos) << Read("supervisor.txt");
+}
+
 TEST_F(SupervisorTest, ServesTheBusUntilTold)
 {
     int fds[2];

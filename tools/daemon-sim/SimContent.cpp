@@ -9,6 +9,7 @@
 #include <iterator>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -171,13 +172,20 @@ std::vector<std::string> KelvoSimContent::Methods()
     return names;
 }
 
-std::string KelvoSimContent::ToCompactText(const Json::Value &value)
+std::unique_ptr<Json::StreamWriter> KelvoSimContent::m_CompactWriter()
 {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
     // Texts travel as UTF-8, not as \u escapes, as the daemon's own replies do.
     builder["emitUTF8"] = true;
-    return Json::writeString(builder, value);
+    return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
+}
+
+std::string KelvoSimContent::ToCompactText(const Json::Value &value)
+{
+    std::ostringstream text;
+    m_CompactWriter()->write(value, &text);
+    return text.str();
 }
 
 bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
@@ -215,12 +223,18 @@ bool KelvoSimContent::Load(Json::Value fixture, std::string &error)
     m_country = Str(Member(m_fixture, "countryLang"), "country");
     m_language = Str(Member(m_fixture, "countryLang"), "language");
     m_programmeTexts.clear();
+    // One writer and stream for all programmes: making them per programme costs more than writing.
+    const std::unique_ptr<Json::StreamWriter> writer = m_CompactWriter();
+    std::ostringstream text;
     const Json::Value &all = Member(m_fixture, "programs");
     for (auto source = all.begin(); source != all.end(); ++source) {
         std::vector<Piece> &pieces = m_programmeTexts[source.name()];
         pieces.reserve(source->size());
-        for (const auto &programme : *source)
-            pieces.push_back({static_cast<long long>(StartOf(programme)), ToCompactText(programme)});
+        for (const auto &programme : *source) {
+            text.str(std::string());
+            writer->write(programme, &text);
+            pieces.push_back({static_cast<long long>(StartOf(programme)), text.str()});
+        }
     }
     m_LoadVirtual(m_fixture);
     m_tv.reset();

@@ -33,6 +33,8 @@ public:
     static std::string ToCompactText(const Json::Value &value);
 
 private:
+    static std::unique_ptr<Json::StreamWriter> m_CompactWriter();
+
     using Handler = void (KelvoSimContent::*)(Json::Value &, Json::Value &);
     static const std::map<std::string, Handler> &m_Handlers();
 

@@ -5,15 +5,16 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <json/json.h>
+#include <sys/stat.h>
 #include <systemd/sd-bus.h>
 #include <systemd/sd-event.h>
 #include <unistd.h>
@@ -56,19 +57,56 @@ bool ParseJsonText(const std::string &text, Json::Value &out, std::string &error
     return reader->parse(text.data(), text.data() + text.size(), &out, &error);
 }
 
-bool ReadJsonFile(const std::string &path, Json::Value &out, std::string &error)
+// Reads the whole file in one go, into a text of its size: a TV's fixture may be tens of megabytes.
+bool ReadFile(int fd, const std::string &path, std::string &text, std::string &error)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot read " + path + ": " + strerror(errno);
-        return false;
+    struct stat st {};
+    // One byte more than its size, so the read that finds its end needs no room of its own.
+    text.resize(fstat(fd, &st) == 0 && st.st_size > 0 ? static_cast<size_t>(st.st_size) + 1 : 4096);
+    size_t used = 0;
+    for (;;) {
+        if (used == text.size())
+            text.resize(2 * used);  // it grew while it was read
+        ssize_t n = read(fd, &text[used], text.size() - used);
+        if (n > 0) {
+            used += static_cast<size_t>(n);
+        } else if (n == 0) {
+            text.resize(used);
+            return true;
+        } else if (errno != EINTR) {
+            error = "cannot read " + path + ": " + strerror(errno);
+            return false;
+        }
     }
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+int OpenFile(const std::string &path, std::string &error)
+{
+    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        error = "cannot read " + path + ": " + strerror(errno);
+    return fd;
+}
+
+// Reads and parses an opened file, and closes it.
+bool ReadJsonFrom(int fd, const std::string &path, Json::Value &out, std::string &error)
+{
+    std::string text;
+    bool read = ReadFile(fd, path, text, error);
+    close(fd);
+    if (!read)
+        return false;
     if (!ParseJsonText(text, out, error)) {
         error = path + ": " + error;
         return false;
     }
     return true;
+}
+
+bool ReadJsonFile(const std::string &path, Json::Value &out, std::string &error)
+{
+    int fd = OpenFile(path, error);
+    return fd >= 0 && ReadJsonFrom(fd, path, out, error);
 }
 
 // A script entry is valid when it is an object whose known members have the right kind.
@@ -314,6 +352,58 @@ private:
     FILE *m_record = nullptr;
 };
 
+// Reads and loads the fixture on a thread of its own, so that the bus comes up meanwhile. The
+// event loop runs only once Wait has returned: no call is ever answered from a fixture half loaded.
+class FixtureLoad {
+public:
+    // Takes the opened fixture over (-1: none, the daemon knows nothing).
+    FixtureLoad(int fd, std::string path, KelvoSimContent &content)
+        : m_path(std::move(path)), m_thread([this, fd, &content] { m_loaded = m_Load(fd, content); })
+    {}
+    ~FixtureLoad() { Wait(); }
+    FixtureLoad(const FixtureLoad &) = delete;
+    FixtureLoad &operator=(const FixtureLoad &) = delete;
+
+    // Waits until the load has ended. False when it failed, said once on standard error.
+    bool Wait()
+    {
+        if (m_thread.joinable()) {
+            m_thread.join();
+            if (!m_loaded)
+                fprintf(stderr, "kelvo-daemon-sim: %s\n", m_error.c_str());
+        }
+        return m_loaded;
+    }
+
+private:
+    bool m_Load(int fd, KelvoSimContent &content)
+    {
+        Json::Value fixture(Json::objectValue);
+        if (fd >= 0 && !ReadJsonFrom(fd, m_path, fixture, m_error))
+            return false;
+        if (!content.Load(std::move(fixture), m_error)) {
+            m_error = m_path + ": " + m_error;
+            return false;
+        }
+        return true;
+    }
+
+    std::string m_path;
+    std::string m_error;
+    bool m_loaded = false;
+    std::thread m_thread;  // last: it starts once the members above are made
+};
+
+// A fixture that did not load is said first and ends the daemon with 2, as when nothing came
+// before the load; otherwise the failure's own message and status.
+int Failed(FixtureLoad &load, int status, const std::string &message)
+{
+    if (!load.Wait())
+        return 2;
+    fprintf(stderr, "kelvo-daemon-sim: %s\n", message.c_str());
+    return status;
+}
+
 bool ParseOptions(int argc, char **argv, Options &options)
 {
     for (int i = 1; i < argc; ++i) {
@@ -381,25 +471,25 @@ int main(int argc, char **argv)
         return 2;
     }
 
-    KelvoSimContent content;
+    // A fixture that is not there fails before the daemon says it is ready; what it holds is
+    // read while the bus comes up.
     std::string error;
-    Json::Value fixture(Json::objectValue);
-    if (!options.fixture.empty() && !ReadJsonFile(options.fixture, fixture, error)) {
+    int fixtureFd = -1;
+    if (!options.fixture.empty() && (fixtureFd = OpenFile(options.fixture, error)) < 0) {
         fprintf(stderr, "kelvo-daemon-sim: %s\n", error.c_str());
         return 2;
     }
-    if (!content.Load(std::move(fixture), error)) {
-        fprintf(stderr, "kelvo-daemon-sim: %s: %s\n", options.fixture.c_str(), error.c_str());
-        return 2;
-    }
-    content.SetOlder(options.older);
 
     // Signals arrive through the event loop, which then ends and lets everything close cleanly.
+    // They are blocked before the loader starts, so that it inherits the mask.
     sigset_t mask;
     sigemptyset(&mask);
     sigaddset(&mask, SIGTERM);
     sigaddset(&mask, SIGINT);
     sigprocmask(SIG_BLOCK, &mask, nullptr);
+
+    KelvoSimContent content;
+    FixtureLoad load(fixtureFd, options.fixture, content);
 
     sd_event *event = nullptr;
     sd_bus *bus = nullptr;
@@ -409,8 +499,8 @@ int main(int argc, char **argv)
     if (r >= 0)
         r = sd_event_add_signal(event, nullptr, SIGINT, nullptr, nullptr);
     if (r < 0) {
-        fprintf(stderr, "kelvo-daemon-sim: event loop: %s\n", strerror(-r));
-        return 1;
+        sd_event_unref(event);
+        return Failed(load, 1, std::string("event loop: ") + strerror(-r));
     }
 
     int status = 1;
@@ -418,27 +508,31 @@ int main(int argc, char **argv)
         Daemon daemon(event, content);
         Json::Value script;
         if (!options.record.empty() && !daemon.OpenRecord(options.record)) {
-            fprintf(stderr, "kelvo-daemon-sim: cannot open %s: %s\n", options.record.c_str(), strerror(errno));
-            status = 2;
+            status = Failed(load, 2, "cannot open " + options.record + ": " + strerror(errno));
         } else if (!options.script.empty() &&
                    (!ReadJsonFile(options.script, script, error) || !daemon.LoadScript(script, error))) {
-            fprintf(stderr, "kelvo-daemon-sim: %s\n", error.c_str());
-            status = 2;
+            status = Failed(load, 2, error);
         } else if ((r = OpenBus(options.address, &bus)) < 0) {
-            fprintf(stderr, "kelvo-daemon-sim: no bus: %s\n", strerror(-r));
+            status = Failed(load, 1, std::string("no bus: ") + strerror(-r));
         } else if ((r = sd_bus_add_object(bus, nullptr, kObjectPath, &Daemon::OnMessage, &daemon)) < 0 ||
                    (r = sd_bus_attach_event(bus, event, SD_EVENT_PRIORITY_NORMAL)) < 0 ||
                    (r = sd_bus_set_exit_on_disconnect(bus, 1)) < 0) {
-            fprintf(stderr, "kelvo-daemon-sim: bus setup: %s\n", strerror(-r));
+            status = Failed(load, 1, std::string("bus setup: ") + strerror(-r));
         } else if ((r = sd_bus_request_name(bus, kBusName, 0)) < 0) {
-            fprintf(stderr, "kelvo-daemon-sim: cannot own %s: %s\n", kBusName, strerror(-r));
+            status = Failed(load, 1, std::string("cannot own ") + kBusName + ": " + strerror(-r));
         } else {
             if (options.readyFd >= 0) {
                 (void)!write(options.readyFd, "ready\n", 6);
                 close(options.readyFd);
             }
-            r = sd_event_loop(event);
-            status = r < 0 ? 1 : 0;
+            // Calls that come meanwhile wait on the bus until the loop reads them.
+            if (load.Wait()) {
+                content.SetOlder(options.older);
+                r = sd_event_loop(event);
+                status = r < 0 ? 1 : 0;
+            } else {
+                status = 2;
+            }
         }
         if (bus) {
             sd_bus_flush(bus);

@@ -166,6 +166,7 @@ int KelvoSupervisor::Run()
         status = m_Serve();
         break;
     }
+    m_NoteEndedServers();
     m_StopAll();
     return status;
 }
@@ -212,7 +213,7 @@ bool KelvoSupervisor::m_StartServer(const std::string &name, std::vector<std::st
     bool ok = pid > 0 && m_ReadLine(fds[0], kStartMs, line) && line == "ready";
     close(fds[0]);
     if (pid > 0)
-        m_children.push_back({name, pid});
+        m_children.push_back({name, pid, log});
     if (!ok) {
         Note(name + " did not start:");
         ShowFile(log);
@@ -388,6 +389,20 @@ void KelvoSupervisor::m_FlushNotifications() const
         sd_bus_message_unref(reply);
     }
     sd_bus_flush_close_unref(bus);
+}
+
+// A server that ended while the process ran (a content daemon whose fixture did not load, say)
+// explains what the process saw of it. It is left unreaped for m_StopAll.
+void KelvoSupervisor::m_NoteEndedServers() const
+{
+    for (const Child &child : m_children) {
+        siginfo_t info{};
+        if (child.log.empty() || waitid(P_PID, static_cast<id_t>(child.pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+            info.si_pid != child.pid)
+            continue;
+        Note("note: " + child.name + " ended during the run:");
+        ShowFile(child.log);
+    }
 }
 
 void KelvoSupervisor::m_StopAll()

@@ -54,6 +54,7 @@ private:
     struct Child {
         std::string name;
         pid_t pid;
+        std::string log = {};  // a server's log, shown when it ends before it is stopped
     };
     // A server: no terminal input, ends with the supervisor. Captured: its own process group,
     // output to the bounded log. Interactive: the terminal as it is.
@@ -66,6 +67,7 @@ private:
     int m_RunShell();
     int m_Serve();
     void m_FlushNotifications() const;
+    void m_NoteEndedServers() const;
     void m_StopAll();
 
     std::vector<std::string> m_Environment(const std::vector<std::string> &overrides) const;
