@@ -1,5 +1,6 @@
 // The whole dump of the reference TV made with 300, 1 000 and 3 000 services: the real kelvo-util
-// in the simulated TV (tools/kelvo-tv run -v), timed per phase from the moments its log lines arrive,
+// in the simulated TV (tools/kelvo-tv run, as a person runs it), timed per phase from the moments
+// its milestones arrive,
 // with kelvo-util's own CPU time and peak RSS as the supervisor measured them when it ended. The
 // limit is SQLite's own prepared bulk insert of the same rows into the same file system, measured
 // in the same run:
@@ -11,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -31,6 +33,9 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 const int kSizes[] = {300, 1000, 3000};
+// Each dump is run this many times and its best run kept, as the limit keeps its best of 5: on a
+// shared machine one run's CPU time can be a fifth above another's.
+const int kDumpRuns = 3;
 // The export ratio and the growth are taken against the smallest TV.
 const int kExportSize = kSizes[0];
 
@@ -53,6 +58,7 @@ struct Figures {
     DumpRun run;
     double backup = 0, exportTime = 0, copy = 0, utilSpan = 0;
     double bulk = 1e9;
+    double bestWall = 0;  // the least wall time of the runs, which need not be the run kept
     int bulkRows = 0;
 };
 std::map<int, Figures> g_figures;
@@ -113,8 +119,8 @@ DumpRun RunDump(int services)
     fs::create_directories(stick);
     fs::create_directories(out);
     std::vector<std::string> argv = {
-        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,      "--tv",      tv,    "--stick", stick,
-        "--out",  out,   "--fixture",   tv + "/fixture.json", "--timeout", "300", "-v"};
+        KELVO_TV, "run", "--build-dir", KELVO_BUILD_DIR,      "--tv",      tv,   "--stick", stick,
+        "--out",  out,   "--fixture",   tv + "/fixture.json", "--timeout", "300"};
     int pipeFd[2];
     if (pipe(pipeFd) != 0)
         return run;
@@ -177,16 +183,23 @@ void BM_WholeDump(benchmark::State &state)
     for (auto _ : state) {
         DumpRun run = RunDump(services);
         state.SetIterationTime(run.wall);
-        figures.run = run;
+        if (!run.ok) {
+            figures.run = run;
+            break;
+        }
+        if (figures.run.cpu <= 0 || run.cpu < figures.run.cpu)
+            figures.run = run;
+        figures.bestWall = figures.bestWall > 0 ? std::min(figures.bestWall, run.wall) : run.wall;
     }
     const DumpRun &run = figures.run;
-    double started = At(run, "Start Dump Kelvo DB");
-    double backupFrom = At(run, "UTC Current Time", nullptr, started);
-    double backupTo = At(run, "/TVS", "backup");
-    double exportFrom = At(run, "Start to Backup ProgramData of RF channels");
-    double exportTo = At(run, "End to Backup ProgramData of Meta");
-    double copyTo = At(run, "dump result=");
-    double ended = At(run, "kelvo-util 666");
+    // The milestones: each is printed when its step has ended.
+    double started = At(run, "branch: dump");
+    double backupFrom = started;
+    double backupTo = At(run, "TVS backup into");
+    double exportFrom = backupTo;
+    double exportTo = At(run, "metadata export:");
+    double copyTo = At(run, "copy of the middleware's data to the stick");
+    double ended = At(run, "result posted:");
     if (!run.ok || started < 0 || backupTo < 0 || exportTo < 0 || copyTo < 0 || run.rfRows <= 0) {
         state.SkipWithError("the dump did not complete; see its log");
         return;
@@ -230,7 +243,7 @@ void Register()
     for (int services : kSizes) {
         benchmark::RegisterBenchmark("BM_WholeDump", BM_WholeDump)
             ->Arg(services)
-            ->Iterations(1)
+            ->Iterations(kDumpRuns)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark("BM_SqliteBulkInsert", BM_SqliteBulkInsert)
@@ -251,11 +264,13 @@ void Report(int services, const Figures &f)
 {
     std::printf("\nreference TV: %d services\n", services);
     std::printf("rows: programRF %d, programMETA %d\n", f.run.rfRows, f.run.metaRows);
-    std::printf("wall time: kelvo-tv run %.3f s, kelvo-util from \"Start Dump\" to its end %.3f s\n", f.run.wall,
-                f.utilSpan);
+    std::printf(
+        "wall time: kelvo-tv run %.3f s (best of %d: %.3f s), kelvo-util from the dump's start to its result %.3f s\n",
+        f.run.wall, kDumpRuns, f.bestWall, f.utilSpan);
     std::printf("phases (as the log lines arrive): TVS backup %.1f ms, export %.1f ms, copy %.1f ms\n", f.backup * 1e3,
                 f.exportTime * 1e3, f.copy * 1e3);
-    std::printf("kelvo-util: CPU %.3f s (user + system), peak RSS %ld kB\n", f.run.cpu, f.run.peakRssKb);
+    std::printf("kelvo-util: CPU %.3f s (user + system, best of %d), peak RSS %ld kB\n", f.run.cpu, kDumpRuns,
+                f.run.peakRssKb);
     std::printf("SQLite prepared bulk insert of the same %d rows: %.3f s (best of 5)\n", f.bulkRows, f.bulk);
 }
 

@@ -109,7 +109,7 @@ bool ExitedWithin(pid_t pid, Clock::duration limit, int &waitStatus)
     do {
         if (waitpid(pid, &waitStatus, WNOHANG) == pid)
             return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     } while (Clock::now() < end);
     return false;
 }
@@ -407,11 +407,13 @@ void KelvoSupervisor::m_NoteEndedServers() const
 
 void KelvoSupervisor::m_StopAll()
 {
+    // All are asked at once, so that the stop takes as long as the slowest, not their sum.
+    for (const Child &child : m_children)
+        kill(child.pid, SIGTERM);
     while (!m_children.empty()) {
         Child child = m_children.back();
         m_children.pop_back();
         int waitStatus = 0;
-        kill(child.pid, SIGTERM);
         if (!ExitedWithin(child.pid, kStopGrace, waitStatus)) {
             Note(child.name + " did not stop; killing it");
             kill(child.pid, SIGKILL);
