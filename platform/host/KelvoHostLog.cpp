@@ -6,9 +6,10 @@
 // - a batch holds whole lines and at most PIPE_BUF bytes, so that one write stays atomic on a
 //   pipe shared with other writers (the children a process starts write to the same stream);
 // - an error or a fatal line goes out at once, with everything before it;
-// - a batch waits at most kQuietNs after its last line, or kMaxAgeNs after its first, on a
-//   thread of its own: a process that stops logging (it waits for a reply, starts a child, or
-//   spins) has its lines out within a fraction of a millisecond;
+// - a thread of its own writes a batch once a whole kQuietNs has passed without a line, or once
+//   the batch is kMaxAgeNs old: a process that stops logging (it waits for a reply, starts a
+//   child, or spins) has its lines out within a millisecond. The writers only count their lines;
+//   the thread alone reads the clock;
 // - what waits is written at exit, before a fork, in a forked child (which then writes each line
 //   at once: it usually executes another program or ends with _exit), on a fatal signal
 //   (SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTERM, SIGINT, SIGHUP, SIGQUIT, whose previous
@@ -16,7 +17,6 @@
 // Only SIGKILL can still take lines: those of its last fraction of a millisecond, a batch at most.
 #include "KelvoHostLog.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -32,7 +32,7 @@ extern "C" void __sanitizer_set_death_callback(void (*callback)(void)) __attribu
 
 namespace {
 const size_t kBatchBytes = PIPE_BUF;
-const long long kQuietNs = 500 * 1000LL;
+const long long kQuietNs = 300 * 1000LL;
 const long long kMaxAgeNs = 10 * 1000 * 1000LL;
 
 long long MonotonicNs()
@@ -62,14 +62,13 @@ struct Batch {
     pthread_cond_t filled;
     char text[kBatchBytes];
     std::atomic<size_t> used;
-    long long firstNs;
-    long long lastNs;
+    unsigned long long lines;  // lines written so far, for the thread to see whether more came
     // The process whose flushing thread runs; 0 before the first line.
     pid_t owner;
     // Every line is written at once: in a forked child, at exit, or when no thread could start.
     bool direct;
 };
-Batch g_batch = {PTHREAD_MUTEX_INITIALIZER, PTHREAD_COND_INITIALIZER, {}, {0}, 0, 0, 0, false};
+Batch g_batch = {PTHREAD_MUTEX_INITIALIZER, PTHREAD_COND_INITIALIZER, {}, {0}, 0, 0, false};
 
 void FlushLocked()
 {
@@ -80,24 +79,27 @@ void FlushLocked()
     g_batch.used.store(0, std::memory_order_release);
 }
 
-// Writes a batch once its process has been quiet for kQuietNs, or it is kMaxAgeNs old.
+// Writes a batch once no line has come for a whole kQuietNs, or it is kMaxAgeNs old.
 void *FlushWhenQuiet(void *)
 {
+    const struct timespec quiet = {0, static_cast<long>(kQuietNs)};
     pthread_mutex_lock(&g_batch.lock);
     for (;;) {
         while (g_batch.used.load(std::memory_order_relaxed) == 0)
             pthread_cond_wait(&g_batch.filled, &g_batch.lock);
-        const long long now = MonotonicNs();
-        const long long due = std::min(g_batch.lastNs + kQuietNs, g_batch.firstNs + kMaxAgeNs);
-        if (now >= due) {
-            FlushLocked();
-            continue;
+        const long long since = MonotonicNs();
+        for (;;) {
+            const unsigned long long seen = g_batch.lines;
+            pthread_mutex_unlock(&g_batch.lock);
+            nanosleep(&quiet, nullptr);
+            pthread_mutex_lock(&g_batch.lock);
+            if (g_batch.used.load(std::memory_order_relaxed) == 0)
+                break;  // written meanwhile, full
+            if (g_batch.lines == seen || MonotonicNs() - since >= kMaxAgeNs) {
+                FlushLocked();
+                break;
+            }
         }
-        pthread_mutex_unlock(&g_batch.lock);
-        const long long wait = due - now;
-        struct timespec pause = {static_cast<time_t>(wait / 1000000000LL), static_cast<long>(wait % 1000000000LL)};
-        nanosleep(&pause, nullptr);
-        pthread_mutex_lock(&g_batch.lock);
     }
     return nullptr;
 }
@@ -214,11 +216,9 @@ void KelvoHostLog::Write(const char *text, size_t length, bool urgent)
         const size_t at = g_batch.used.load(std::memory_order_relaxed);
         memcpy(g_batch.text + at, text, length);
         g_batch.used.store(at + length, std::memory_order_release);
-        g_batch.lastNs = MonotonicNs();
-        if (at == 0) {
-            g_batch.firstNs = g_batch.lastNs;
+        ++g_batch.lines;
+        if (at == 0)
             pthread_cond_signal(&g_batch.filled);
-        }
         if (urgent)
             FlushLocked();
     }
