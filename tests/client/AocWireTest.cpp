@@ -117,11 +117,6 @@ const std::vector<Case> &Cases()
     return cases;
 }
 
-std::string Reply(const std::string &text)
-{
-    return "{\"reply\":" + Json::valueToQuotedString(text.c_str()) + "}";
-}
-
 using AocWireTest = KelvoBusTest;
 
 // The outputs reach the caller whenever the call went through; only "ret": true is success.
@@ -131,7 +126,7 @@ TEST_F(AocWireTest, EveryOperationSendsItsArgumentAndReadsTheReply)
         for (const auto &c : Cases()) {
             SCOPED_TRACE(std::string(c.wireMethod) + " " + ret);
             s_bus->ClearRecords();
-            ASSERT_TRUE(s_bus->SetScript(c.wireMethod, Reply(std::string("{") + ret + (kReply + 1))));
+            ASSERT_TRUE(s_bus->SetScript(c.wireMethod, KelvoScriptReply(std::string("{") + ret + (kReply + 1))));
             std::string outputs;
             EXPECT_EQ(c.run(outputs), std::string(ret) == "\"ret\":true,");
             EXPECT_EQ(outputs, c.outputs);

@@ -2,15 +2,14 @@
 // instance is made, registering one callback, and every thread gets it. A program of its own, so
 // that no earlier test has made the instance; under ThreadSanitizer it also shows that the first
 // requests do not race.
-#include <atomic>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "FCEMSProxy.h"
 #include "FakeCall.h"
+#include "RunTogether.h"
 
 namespace {
 
@@ -40,21 +39,11 @@ int CountOf(const std::string &function)
 TEST(FCEMSProxyThreads, FirstRequestsFromManyThreadsMakeOneInstance)
 {
     std::vector<FCEMSProxy *> got(kThreads, nullptr);
-    std::atomic<int> starting{kThreads};
-    std::vector<std::thread> threads;
-    threads.reserve(kThreads);
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&, t] {
-            starting.fetch_sub(1);
-            while (starting.load() > 0)
-                std::this_thread::yield();
-            // Half ask as CS clients, half as plugins: whichever comes first makes the instance.
-            got[t] = t % 2 ? FCEMSProxy::GetInstanceForCS(nullptr, &CSCallback)
-                           : FCEMSProxy::GetInstanceForPlugin(nullptr, &PluginCallback);
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
+    // Half ask as CS clients, half as plugins: whichever comes first makes the instance.
+    KelvoRunTogether(kThreads, [&got](int t) {
+        got[t] = t % 2 ? FCEMSProxy::GetInstanceForCS(nullptr, &CSCallback)
+                       : FCEMSProxy::GetInstanceForPlugin(nullptr, &PluginCallback);
+    });
 
     ASSERT_NE(got[0], nullptr);
     for (int t = 1; t < kThreads; ++t)

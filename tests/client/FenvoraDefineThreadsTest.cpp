@@ -1,14 +1,13 @@
 // FCAPI asked for every service by several threads at once, each request the process's first: all
 // must get the one object of the service. A program of its own, so that no earlier test has made
 // the objects already; under ThreadSanitizer it also shows that the first requests do not race.
-#include <atomic>
 #include <cstddef>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "FenvoraDefine.h"
+#include "RunTogether.h"
 
 namespace {
 
@@ -36,22 +35,11 @@ constexpr std::size_t kServiceCount = sizeof(kServices) / sizeof(kServices[0]);
 TEST(FCAPIThreads, FirstRequestsFromManyThreadsGetOneObjectPerService)
 {
     std::vector<std::vector<const void *>> got(kThreads, std::vector<const void *>(kServiceCount));
-    std::atomic<int> starting{kThreads};
-    std::vector<std::thread> threads;
-    threads.reserve(kThreads);
-    for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&, t] {
-            // All threads start together and ask in the same order, so that the first requests of
-            // each service meet.
-            starting.fetch_sub(1);
-            while (starting.load() > 0)
-                std::this_thread::yield();
-            for (std::size_t s = 0; s < kServiceCount; ++s)
-                got[t][s] = kServices[s].get();
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
+    // All threads ask in the same order, so that the first requests of each service meet.
+    KelvoRunTogether(kThreads, [&got](int t) {
+        for (std::size_t s = 0; s < kServiceCount; ++s)
+            got[t][s] = kServices[s].get();
+    });
 
     for (std::size_t s = 0; s < kServiceCount; ++s) {
         SCOPED_TRACE(kServices[s].name);

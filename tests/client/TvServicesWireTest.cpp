@@ -29,7 +29,7 @@ using ProgramMap = std::map<unsigned int, FCRemoteProgram>;
 
 // Channels 5, 7, 9 and 11 with services 101 to 104 (7 is the only film channel), a channel without
 // a service, and three programmes on channel 5 around "now".
-const char *const kFixture = R"({
+constexpr char kFixture[] = R"({
   "now": 1050,
   "channels": [
     {"str_program_source_id": "S9", "str_major": "9", "str_minor": "1", "genre id": "news", "gere name": "News"},
@@ -398,25 +398,13 @@ const std::vector<Case> &Cases()
     return cases;
 }
 
-// The simulator's script entry that answers with `text`.
-std::string Reply(const std::string &text)
-{
-    return "{\"reply\":" + Json::valueToQuotedString(text.c_str()) + "}";
-}
-
-class TvServicesWireTest : public ::testing::Test {
+class TvServicesWireTest : public KelvoBusTestOf<kFixture> {
 protected:
-    static void SetUpTestSuite() { s_bus = new KelvoTestBus(kFixture); }
-    static void TearDownTestSuite() { delete s_bus; }
     void SetUp() override
     {
-        ASSERT_TRUE(s_bus->Ready());
-        s_bus->UseForCalls();
-        s_bus->ClearScript();
-        s_bus->ClearRecords();
+        KelvoBusTestOf::SetUp();
         FakeDlog::Clear();
     }
-    inline static KelvoTestBus *s_bus = nullptr;
 };
 
 TEST_F(TvServicesWireTest, EveryOperationWithRetTrueRetFalseAndAFailedCall)
@@ -427,8 +415,8 @@ TEST_F(TvServicesWireTest, EveryOperationWithRetTrueRetFalseAndAFailedCall)
         const KelvoTestBus::RecordList sent =
             c.wireMethod != nullptr ? KelvoTestBus::RecordList{{method, c.argument}} : KelvoTestBus::RecordList{};
         for (const auto &[script, expected] :
-             {std::make_pair(Reply(std::string("{\"ret\":true,") + kReply), c.retTrue),
-              std::make_pair(Reply(std::string("{\"ret\":false,") + kReply), c.retFalse),
+             {std::make_pair(KelvoScriptReply(std::string("{\"ret\":true,") + kReply), c.retTrue),
+              std::make_pair(KelvoScriptReply(std::string("{\"ret\":false,") + kReply), c.retFalse),
               std::make_pair(failed, c.failed)}) {
             SCOPED_TRACE(std::string(c.name) + " with " + script);
             s_bus->ClearRecords();

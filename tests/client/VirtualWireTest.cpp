@@ -32,11 +32,6 @@ protected:
     }
 };
 
-std::string Reply(const std::string &text)
-{
-    return "{\"reply\":" + Json::valueToQuotedString(text.c_str()) + "}";
-}
-
 std::string Text(const FCVirtualProgramData &p)
 {
     return std::to_string(p.GetServiceId()) + "/" + p.GetEventId() + "/" + p.GetTitle() + "/" +
@@ -201,8 +196,8 @@ TEST_F(VirtualWireTest, TypedOperationsSendTheirArgumentAndReadTheReply)
         for (const auto &c : TypedCases()) {
             SCOPED_TRACE(std::string(c.method) + " " + c.argument + (ret ? " ret true" : " ret false"));
             s_bus->ClearRecords();
-            ASSERT_TRUE(s_bus->SetScript(c.method,
-                                         Reply(std::string("{\"ret\":") + (ret ? "true," : "false,") + (kReply + 1))));
+            ASSERT_TRUE(s_bus->SetScript(
+                c.method, KelvoScriptReply(std::string("{\"ret\":") + (ret ? "true," : "false,") + (kReply + 1))));
             std::string outputs;
             EXPECT_EQ(c.run(outputs), Expected(c.answer, ret));
             EXPECT_EQ(outputs, c.outputs);
@@ -314,7 +309,7 @@ TEST_F(VirtualWireTest, StringAndArgumentlessFormsPassTextThroughBothWays)
             SCOPED_TRACE(std::string(c.method) + (ret ? " ret true" : " ret false"));
             const std::string reply = ret ? R"({"ret":true,"x":1})" : R"({"ret":false,"x":1})";
             s_bus->ClearRecords();
-            s_bus->SetScript(c.method, Reply(reply));
+            s_bus->SetScript(c.method, KelvoScriptReply(reply));
             std::string out = "previous";
             EXPECT_EQ(c.run(in, out), ret);
             EXPECT_EQ(s_bus->Records(), (KelvoTestBus::RecordList{{c.method, c.sendsCallerText ? in : ""}}));
@@ -332,10 +327,10 @@ TEST_F(VirtualWireTest, StringAndArgumentlessFormsPassTextThroughBothWays)
 TEST_F(VirtualWireTest, ImageIdAndDeepLinkOfTheStringForms)
 {
     std::string out;
-    s_bus->SetScript("GetProgramImage", Reply(R"({"ret":false,"imageDownloadId":"31"})"));
+    s_bus->SetScript("GetProgramImage", KelvoScriptReply(R"({"ret":false,"imageDownloadId":"31"})"));
     EXPECT_EQ(g_vc.GetProgramImage("{}", out), 31);
     EXPECT_EQ(out, R"({"ret":false,"imageDownloadId":"31"})");
-    s_bus->SetScript("GetProgramImage", Reply("not json"));
+    s_bus->SetScript("GetProgramImage", KelvoScriptReply("not json"));
     EXPECT_EQ(g_vc.GetProgramImage("{}", out), -1);
     s_bus->SetScript("GetProgramImage", R"({"error":"org.freedesktop.DBus.Error.Failed"})");
     EXPECT_EQ(g_vc.GetProgramImage("{}", out), -1);

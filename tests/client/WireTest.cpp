@@ -319,12 +319,6 @@ const std::vector<TypedCase> &TypedCases()
     return cases;
 }
 
-// The simulator's script entry that answers with `text`.
-std::string Reply(const std::string &text)
-{
-    return "{\"reply\":" + Json::valueToQuotedString(text.c_str()) + "}";
-}
-
 using ProxyWireTest = KelvoBusTest;
 
 // The outputs reach the caller also when the reply says "ret": false.
@@ -334,7 +328,8 @@ TEST_F(ProxyWireTest, TypedOperationsSendTheirArgumentAndReadTheReply)
         for (const auto &c : TypedCases()) {
             SCOPED_TRACE(c.wireMethod + std::string(" ") + c.argument + " ret " + ret);
             s_bus->ClearRecords();
-            ASSERT_TRUE(s_bus->SetScript(c.wireMethod, Reply(std::string("{\"ret\":") + ret + "," + (kReply + 1))));
+            ASSERT_TRUE(
+                s_bus->SetScript(c.wireMethod, KelvoScriptReply(std::string("{\"ret\":") + ret + "," + (kReply + 1))));
             std::string outputs;
             EXPECT_EQ(c.run(outputs), *ret == 't');
             EXPECT_EQ(outputs, c.outputs);
@@ -384,7 +379,7 @@ TEST_F(ProxyWireTest, StringFormsPassTextThroughBothWays)
                 continue;
             const std::string reply = ret ? R"({"ret":true,"x":1})" : R"({"ret":false,"x":1})";
             s_bus->ClearRecords();
-            s_bus->SetScript(c.wireMethod, Reply(reply));
+            s_bus->SetScript(c.wireMethod, KelvoScriptReply(reply));
             std::string out = "previous";
             // The providers' text is the caller's to read: that form answers true whatever "ret" said.
             EXPECT_EQ(c.text(in, out), ret || std::string(c.wireMethod) == "GetVODProviders") << c.wireMethod;
@@ -404,7 +399,7 @@ TEST_F(ProxyWireTest, LocalOperationsEnvironmentTextNotificationsAndEntryLines)
     EXPECT_TRUE(g_mso.DeactivateProgramGuide(in, out));
     EXPECT_FALSE(g_mso.SetMVPDContents(in, out));
     // The environment's string form sends nothing and hands the reply back in its argument.
-    s_bus->SetScript("GetRemoteContentEnv", Reply(R"({"ret":true,"country":"DE"})"));
+    s_bus->SetScript("GetRemoteContentEnv", KelvoScriptReply(R"({"ret":true,"country":"DE"})"));
     EXPECT_TRUE(g_content.GetRemoteContentEnv(env));
     EXPECT_EQ(env, R"({"ret":true,"country":"DE"})");
     EXPECT_TRUE(g_content.NotifyPreviewDownloaderFinish(note));
@@ -412,7 +407,7 @@ TEST_F(ProxyWireTest, LocalOperationsEnvironmentTextNotificationsAndEntryLines)
     EXPECT_EQ(s_bus->Records(), (KelvoTestBus::RecordList{{"GetRemoteContentEnv", ""},
                                                           {"NotifyPreviewDownloaderFinish", note},
                                                           {"NotifyDVRContentUpdate", ""}}));
-    s_bus->SetScript("NotifyDVRContentUpdate", Reply(R"({"ret":false})"));
+    s_bus->SetScript("NotifyDVRContentUpdate", KelvoScriptReply(R"({"ret":false})"));
     s_bus->SetScript("NotifyPreviewDownloaderFinish", R"({"error":"org.freedesktop.DBus.Error.Failed"})");
     EXPECT_FALSE(g_content.NotifyDVRContentUpdate());
     EXPECT_FALSE(g_content.NotifyPreviewDownloaderFinish(note));

@@ -151,13 +151,22 @@ private:
     size_t m_recordsSeen = 0;
 };
 
-// The tests of a suite share one bus and simulator, started with this fixture; each test starts
+// The simulator's script entry that answers with `text`, whatever it holds.
+inline std::string KelvoScriptReply(const std::string &text)
+{
+    return "{\"reply\":" + Json::valueToQuotedString(text.c_str()) + "}";
+}
+
+// The fixture of the suites that bring none of their own.
+inline constexpr char kKelvoBusTestFixture[] = R"({"programs": {"S2": [], "S1": []}, "version": "7.1 \u00e9t\u00e9",
+                                                   "sourceToService": {"S1": "18446744073709551615"}})";
+
+// The tests of a suite share one bus and simulator, started with the fixture; each test starts
 // with this process's calls pointed at it, no script and no records.
-class KelvoBusTest : public ::testing::Test {
+template <const char *Fixture>
+class KelvoBusTestOf : public ::testing::Test {
 protected:
-    static constexpr const char *kFixture = R"({"programs": {"S2": [], "S1": []}, "version": "7.1 \u00e9t\u00e9",
-                                                 "sourceToService": {"S1": "18446744073709551615"}})";
-    static void SetUpTestSuite() { s_bus = new KelvoTestBus(kFixture); }
+    static void SetUpTestSuite() { s_bus = new KelvoTestBus(Fixture); }
     static void TearDownTestSuite() { delete s_bus; }
     void SetUp() override
     {
@@ -168,5 +177,6 @@ protected:
     }
     inline static KelvoTestBus *s_bus = nullptr;
 };
+using KelvoBusTest = KelvoBusTestOf<kKelvoBusTestFixture>;
 
 #endif
