@@ -21,6 +21,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -223,6 +224,20 @@ void KelvoHostLog::Write(const char *text, size_t length, bool urgent)
             FlushLocked();
     }
     pthread_mutex_unlock(&g_batch.lock);
+}
+
+bool KelvoHostLog::Format(std::string &out, const char *format, va_list args)
+{
+    va_list copy;
+    va_copy(copy, args);
+    // va_copy initialised copy; the analyser loses track of it through the va_list parameter.
+    const int n = vsnprintf(nullptr, 0, format, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
+    va_end(copy);
+    if (n < 0)
+        return false;
+    out.resize(static_cast<size_t>(n));
+    vsnprintf(&out[0], out.size() + 1, format, args);
+    return true;
 }
 
 void KelvoHostLog::Flush()

@@ -4,7 +4,9 @@
 #ifndef KELVO_PLATFORM_HOST_KELVOHOSTLOG_H
 #define KELVO_PLATFORM_HOST_KELVOHOSTLOG_H
 
+#include <cstdarg>
 #include <cstddef>
+#include <string>
 
 class KelvoHostLog {
 public:
@@ -13,6 +15,8 @@ public:
     static void Write(const char *text, size_t length, bool urgent);
     // Writes what waits; a reader of standard error that is about to look calls this first.
     static void Flush();
+    // The text of a printf format and its arguments, of any length; false on a format error.
+    static bool Format(std::string &out, const char *format, va_list args) __attribute__((format(printf, 2, 0)));
 };
 
 #endif

@@ -127,14 +127,8 @@ __attribute__((format(printf, 3, 0))) int Print(int prio, const char *tag, const
     }
 
     std::string message;
-    va_list copy;
-    va_copy(copy, args);
-    const int n = vsnprintf(nullptr, 0, fmt, copy);  // NOLINT(clang-analyzer-valist.Uninitialized)
-    va_end(copy);
-    if (n < 0)
+    if (!KelvoHostLog::Format(message, fmt, args))
         return -1;
-    message.resize(static_cast<size_t>(n));
-    vsnprintf(&message[0], message.size() + 1, fmt, args);
     std::string text;
     text.reserve(prefix + message.size() + 16);
     text.append(priority).append(1, '/').append(tagText).append(pid.text, pid.length);

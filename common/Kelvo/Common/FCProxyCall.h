@@ -123,6 +123,17 @@ bool Typed(const Site &site, const char *method, const Codecs &...codecs)
     return TypedAs(site, ReplyRet, method, codecs...);
 }
 
+// Typed over one site, bound once in a proxy file whose operations share it:
+//   constexpr FCProxyCall::TypedOver<FCProxyCall::kShared> TypedCall;
+template <const Site &kSite>
+struct TypedOver {
+    template <typename... Codecs>
+    bool operator()(const char *method, const Codecs &...codecs) const
+    {
+        return Typed(kSite, method, codecs...);
+    }
+};
+
 // An output read from a reply's bulk array one element at a time, into a map: each element is
 // read into a fresh map, which goes into the caller's map (as the whole-reply reader would have
 // put it) only when the whole reply parsed.

@@ -3,7 +3,6 @@
 #include "KelvoHostLog.h"
 
 #include <cstdarg>
-#include <cstdio>
 #include <string>
 
 // The middleware's diagnostics share the log stream with dlog's lines, in the order they are made.
@@ -11,19 +10,8 @@ void TCApiPrintMessage(const char *format, ...)
 {
     va_list args;
     va_start(args, format);
-    va_list copy;
-    va_copy(copy, args);
-    char buffer[512];
-    const int n = vsnprintf(buffer, sizeof buffer, format, copy);
-    va_end(copy);
-    if (n >= 0) {
-        std::string line;
-        if (static_cast<size_t>(n) < sizeof buffer) {
-            line.assign(buffer, static_cast<size_t>(n));
-        } else {
-            line.resize(static_cast<size_t>(n));
-            vsnprintf(&line[0], line.size() + 1, format, args);
-        }
+    std::string line;
+    if (KelvoHostLog::Format(line, format, args)) {
         line += '\n';
         KelvoHostLog::Write(line.data(), line.size(), false);
     }

@@ -10,11 +10,7 @@ using FCProxyCall::Reads;
 using FCProxyCall::Writes;
 
 // A failed call reads "ret" and the activity from its empty reply, as the daemon's other callers do.
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kShared, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kShared> TypedCall;
 
 // Negative identifiers compare as huge unsigned numbers, so they are refused too.
 bool ValidActivity(FCMBRNetworkChannelAPI::EActivityID id)

@@ -27,11 +27,7 @@ bool AcrJsonCall(const char *method, const Json::Value &in, Json::Value &out)
 
 constexpr FCProxyCall::Site kAcr{AcrJsonCall, false};
 
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(kAcr, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<kAcr> TypedCall;
 
 }  // namespace
 

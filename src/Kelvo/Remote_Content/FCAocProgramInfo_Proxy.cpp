@@ -14,11 +14,7 @@ using FCProxyCall::Writes;
 
 // Outputs are read from every reply of a call that went through, also one saying "ret": false;
 // a failed call leaves them as the caller had them.
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kSharedOutputsOnSuccess, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kSharedOutputsOnSuccess> TypedCall;
 
 }  // namespace
 

@@ -10,11 +10,7 @@ using FCProxyCall::Reads;
 using FCProxyCall::RetToJson;
 using FCProxyCall::Writes;
 
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kShared, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kShared> TypedCall;
 
 constexpr auto StringCall = FCProxyCall::String;
 constexpr auto NotifyCall = FCProxyCall::Notify;

@@ -8,11 +8,7 @@ namespace {
 using FCProxyCall::Reads;
 using FCProxyCall::Writes;
 
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kSharedOutputsOnSuccess, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kSharedOutputsOnSuccess> TypedCall;
 
 // The item operations answer the daemon's "ret" as a number (the download identifier), which a
 // failed call leaves at 0.

@@ -16,11 +16,7 @@ constexpr FCCallHelper::Origin kOrigin{__FILE__, __LINE__, "FCVirtualChannels_Pr
 using Calls = FCProxyCall::OwnCalls<kOrigin>;
 constexpr const FCProxyCall::Site &kSite = FCProxyCall::kOwnSite<kOrigin>;
 
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(kSite, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kOwnSite<kOrigin>> TypedCall;
 
 bool StringCall(const char *method, const std::string &in, std::string &out)
 {

@@ -10,18 +10,10 @@ using FCProxyCall::Reads;
 using FCProxyCall::Writes;
 
 // Navigation: a failed call still reads "ret" and the outputs from its empty reply.
-template <typename... Codecs>
-bool TypedCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kShared, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kShared> TypedCall;
 
 // Programmes: a failed call leaves the caller's programme or map as it was.
-template <typename... Codecs>
-bool ProgramCall(const char *method, const Codecs &...codecs)
-{
-    return FCProxyCall::Typed(FCProxyCall::kSharedOutputsOnSuccess, method, codecs...);
-}
+constexpr FCProxyCall::TypedOver<FCProxyCall::kSharedOutputsOnSuccess> ProgramCall;
 
 }  // namespace
 
