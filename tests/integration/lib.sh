@@ -87,6 +87,11 @@ finish() {
     echo "$FAILURES check(s) failed; the last run, and the end of its log:"
     sed 's/^/  | /' "$C/run.txt" 2>/dev/null
     grep -v '^D/' "${OUT:-$C/out}/kelvo-util.log" 2>/dev/null | tail -n 30 | sed 's/^/  log | /'
+    # A popup case's run is kelvo-popup, whose log (a sanitizer's report among it) tells why.
+    local log
+    for log in "$C"/kelvo-popup.log "$C"/*/kelvo-popup.log; do
+        [ -f "$log" ] && tail -n 60 "$log" | sed "s#^#  ${log#"$C"/} | #"
+    done
     exit 1
 }
 

@@ -15,7 +15,7 @@ PACKAGES=(cmake g++ make pkg-config libjsoncpp-dev libsystemd-dev libsqlite3-dev
           udev                       # udev.pc: where the launch rule is installed
           xmltv-util                 # tv_validate_file checks the inspector's XMLTV
           libefl-all-dev             # the result popup (Elementary; edje_cc for its theme extension)
-          evilwm                     # a window manager for the popup's virtual display
+          evilwm xfonts-base         # a window manager for the popup's virtual display, and its font
           tesseract-ocr tesseract-ocr-eng xdotool imagemagick)  # the popup's tests: read the screen, click OK
 
 ensure_packages() {

@@ -12,7 +12,8 @@ POPUP_XVFB_PID="" POPUP_WM_PID="" POPUP_PID=""
 POPUP_LSAN_SUPPRESSIONS="$(cd "$(dirname "${BASH_SOURCE[0]}")/../popup" && pwd)/lsan-efl.supp"
 
 # popup_display_start DIR: a virtual 1920x1080 display with a window manager; exports DISPLAY.
-# Returns 1 (with a reason on stderr) when none can be started.
+# Returns 1 (with a reason on stderr) when no X server can be started, 2 when the window manager
+# ends at once (a popup would then draw nothing).
 popup_display_start() {
     local dir=$1 number="" i
     command -v Xvfb >/dev/null || { echo "Xvfb is not installed" >&2; return 1; }
@@ -34,11 +35,16 @@ popup_display_start() {
         return 1
     fi
     export DISPLAY=":$number"
-    evilwm >"$dir/evilwm.log" 2>&1 &
+    evilwm -fn fixed >"$dir/evilwm.log" 2>&1 &
     POPUP_WM_PID=$!
     # The window manager is in place once it owns the root window's redirect; a short wait is
     # enough, and a window mapped earlier is taken in all the same.
     sleep 0.3
+    if ! kill -0 "$POPUP_WM_PID" 2>/dev/null; then
+        echo "the window manager did not start: $(head -c 300 "$dir/evilwm.log")" >&2
+        popup_display_stop
+        return 2
+    fi
 }
 
 popup_display_stop() {
@@ -68,7 +74,10 @@ popup_start() {
         export XDG_CACHE_HOME="$dir/home/cache" XDG_CONFIG_HOME="$dir/home/config" XDG_RUNTIME_DIR="$dir/home/run"
         export EINA_LOG_BACKTRACE=0
         # In the asan preset: what EFL itself keeps to the end is not ours to report.
+        # What EFL frees only partly must be told apart by the libraries on the whole stack of its
+        # allocation, which only the slow unwinder gives.
         export LSAN_OPTIONS="${LSAN_OPTIONS:+$LSAN_OPTIONS:}suppressions=$POPUP_LSAN_SUPPRESSIONS"
+        export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}fast_unwind_on_malloc=0"
         mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
         local began=$EPOCHREALTIME
         echo "$began" >"$dir/started"
@@ -116,7 +125,12 @@ cmd_popup() {
         return 0
     fi
     note "no display here: the popup on a virtual one (Xvfb)"
-    popup_display_start "$OUT/display" || die "no X server could be started"
+    popup_display_start "$OUT/display"
+    case $? in
+        0) ;;
+        1) die "no X server could be started" ;;
+        *) die "the virtual display has no window manager (log: $OUT/display/evilwm.log)" ;;
+    esac
     trap popup_display_stop EXIT
     popup_start "$BUILD_DIR" "$POPUP_RESULT" "$OUT"
     local shot="$OUT/popup-$POPUP_RESULT.png" shown=1
