@@ -2,6 +2,9 @@
 
 #include <cstring>
 
+#include <memory>
+#include <string_view>
+
 #include "FCDebug.h"
 #include "FCJsonHelper.h"
 #include "kelvo-dbus-proxy.h"
@@ -26,6 +29,28 @@ const char *FileName(const char *path)
     dlog_print(DLOG_ERROR, FC_LOG_TAG, "%s: %s(%d) > DBG_LV[%d][%s::%s] " text "\n", FileName((origin).file),          \
                function, (origin).line, FC_DBG_LV, (origin).className, ##__VA_ARGS__)
 
+struct ResultDisposer {
+    void operator()(KelvoCallResult *result) const { DisposeCallResult(result); }
+};
+using CallResult = std::unique_ptr<KelvoCallResult, ResultDisposer>;
+
+// The daemon's reply as the platform hands it over; null, reported under the origin, when the
+// call failed.
+CallResult Reply(const FCCallHelper::Origin &origin, const char *method, const std::string &in)
+{
+    CallResult result(Call(method, in.c_str()));
+    if (result && !result->success) {
+        FC_ORIGIN_LOGE(origin, "RemoteCallWithStringArguments", "fail to communicate using d-bus", method);
+        result.reset();
+    }
+    return result;
+}
+
+std::string_view TextOf(const KelvoCallResult &result)
+{
+    return result.data != nullptr ? std::string_view(result.data, result.length) : std::string_view();
+}
+
 // The JSON exchange: the argument as compact text, the reply parsed. Whether a reply that does not
 // parse fails the call is the caller's choice; where it does not, the reply is left null.
 // With an arrayKey, the reply's bulk array goes to onElement one element at a time
@@ -34,9 +59,12 @@ bool JsonCall(const FCCallHelper::Origin &origin, const char *method, const Json
               bool unparsableFails, const char *arrayKey = nullptr,
               const std::function<void(const Json::Value &element)> *onElement = nullptr)
 {
-    std::string reply;
-    if (!FCCallHelper::RemoteCallWithStringArguments(origin, method, FCJsonHelper::WriteCompact(in), reply))
+    // Parsed where the platform left it: a day's programme map is tens of megabytes, and a copy
+    // of it would stand beside the original.
+    const CallResult result = Reply(origin, method, FCJsonHelper::WriteCompact(in));
+    if (!result)
         return false;
+    const std::string_view reply = TextOf(*result);
     const bool parsed = arrayKey == nullptr ? FCJsonHelper::ParseToJson(reply, out)
                                             : FCJsonHelper::ParseToJsonEach(reply, arrayKey, out, *onElement);
     if (parsed)
@@ -71,19 +99,10 @@ bool FCCallHelper::RemoteCallWithJsonArguments(const char *method, const Json::V
 bool FCCallHelper::RemoteCallWithStringArguments(const Origin &origin, const char *method, const std::string &in,
                                                  std::string &out)
 {
-    KelvoCallResult *result = Call(method, in.c_str());
-    if (result == nullptr)
+    const CallResult result = Reply(origin, method, in);
+    if (!result)
         return false;
-    if (!result->success) {
-        FC_ORIGIN_LOGE(origin, __func__, "fail to communicate using d-bus", method);
-        DisposeCallResult(result);
-        return false;
-    }
-    if (result->data != nullptr)
-        out.assign(result->data, result->length);
-    else
-        out.clear();
-    DisposeCallResult(result);
+    out.assign(TextOf(*result));
     return true;
 }
 

@@ -63,7 +63,7 @@ bool Parse(Json::CharReader &reader, const char *begin, const char *end, Json::V
 // text is then parsed whole. Whether the text is valid JSON is for the reader to say.
 class ArraySlicer {
 public:
-    ArraySlicer(const std::string &text, const char *key) : m_text(text), m_key(key) {}
+    ArraySlicer(std::string_view text, const char *key) : m_text(text), m_key(key) {}
 
     bool Slice()
     {
@@ -192,7 +192,7 @@ private:
         }
     }
 
-    const std::string &m_text;
+    std::string_view m_text;
     std::string_view m_key;
     size_t m_at = 0;
     bool m_found = false;
@@ -200,7 +200,7 @@ private:
 
 }  // namespace
 
-bool FCJsonHelper::ParseToJsonEach(const std::string &text, const char *arrayKey, Json::Value &out,
+bool FCJsonHelper::ParseToJsonEach(std::string_view text, const char *arrayKey, Json::Value &out,
                                    const std::function<void(const Json::Value &element)> &onElement)
 {
     ArraySlicer slicer(text, arrayKey);
@@ -218,7 +218,7 @@ bool FCJsonHelper::ParseToJsonEach(const std::string &text, const char *arrayKey
     }
     std::string rest;
     rest.reserve(text.size() - (slicer.close - slicer.open));
-    rest.append(text, 0, slicer.open + 1).append(text, slicer.close, std::string::npos);
+    rest.append(text.substr(0, slicer.open + 1)).append(text.substr(slicer.close));
     if (!Parse(Reader(), rest.data(), rest.data() + rest.size(), out))
         return false;
     Json::Value element;
@@ -230,7 +230,7 @@ bool FCJsonHelper::ParseToJsonEach(const std::string &text, const char *arrayKey
     return true;
 }
 
-bool FCJsonHelper::ParseToJson(const std::string &text, Json::Value &out)
+bool FCJsonHelper::ParseToJson(std::string_view text, Json::Value &out)
 {
     return Parse(Reader(), text.data(), text.data() + text.size(), out);
 }

@@ -5,19 +5,20 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include <json/json.h>
 
 class FCJsonHelper {
 public:
-    static bool ParseToJson(const std::string &text, Json::Value &out);
+    static bool ParseToJson(std::string_view text, Json::Value &out);
     // ParseToJson for a reply whose bulk is the array under arrayKey of its root object (a whole
     // day's programmes): the array's elements are parsed one at a time and handed to onElement,
     // in order, so the reply never stands in memory as one tree; out receives the rest, with that
     // array empty. True exactly when ParseToJson would be; onElement may have seen elements of a
     // text that then fails. A text of another shape (comments, the key twice, deep nesting) is
     // parsed whole and its elements handed over the same way.
-    static bool ParseToJsonEach(const std::string &text, const char *arrayKey, Json::Value &out,
+    static bool ParseToJsonEach(std::string_view text, const char *arrayKey, Json::Value &out,
                                 const std::function<void(const Json::Value &element)> &onElement);
     // The reply form of every method that only answers success or failure: {"ret": bool}.
     static bool ParseReturnBoolean(std::string &text);
