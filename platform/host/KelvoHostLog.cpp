@@ -8,13 +8,15 @@
 // - an error or a fatal line goes out at once, with everything before it;
 // - a thread of its own writes a batch once a whole kQuietNs has passed without a line, or once
 //   the batch is kMaxAgeNs old: a process that stops logging (it waits for a reply, starts a
-//   child, or spins) has its lines out within a millisecond. The writers only count their lines;
-//   the thread alone reads the clock;
+//   child, or spins) has its lines out within a few milliseconds. The writers only count their
+//   lines; the thread alone reads the clock. A shorter quiet period costs more than it gives:
+//   the thread then wakes thousands of times a second while a dump logs, for lines that go out
+//   in full batches anyway;
 // - what waits is written at exit, before a fork, in a forked child (which then writes each line
 //   at once: it usually executes another program or ends with _exit), on a fatal signal
 //   (SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTERM, SIGINT, SIGHUP, SIGQUIT, whose previous
 //   dispositions then take over), and before a sanitizer ends the process.
-// Only SIGKILL can still take lines: those of its last fraction of a millisecond, a batch at most.
+// Only SIGKILL can still take lines: those of its last few milliseconds, a batch at most.
 #include "KelvoHostLog.h"
 
 #include <atomic>
@@ -33,7 +35,7 @@ extern "C" void __sanitizer_set_death_callback(void (*callback)(void)) __attribu
 
 namespace {
 const size_t kBatchBytes = PIPE_BUF;
-const long long kQuietNs = 300 * 1000LL;
+const long long kQuietNs = 2 * 1000 * 1000LL;
 const long long kMaxAgeNs = 10 * 1000 * 1000LL;
 
 long long MonotonicNs()
