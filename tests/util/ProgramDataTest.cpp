@@ -98,6 +98,17 @@ TEST(ProgramData, LogLinesAndBrokenUtf16)
     FakeDlog::Clear();
     EXPECT_EQ(KelvoUtilProgramData(&event).Title(), "ok");  // what was converted before stays
     EXPECT_TRUE(FakeDlog::Contains("iconv failed: "));
+
+    // The converter serves one text after another: a text that failed, or ended inside a
+    // surrogate pair, leaves nothing behind for the next.
+    for (const std::u16string &broken : {std::u16string(u"ok\xD800x"), std::u16string(u"end\xD83D")}) {
+        TCProgramData before = MakeEvent(broken, u"");
+        KelvoUtilProgramData{&before};
+        TCProgramData after = MakeEvent(u"Next \xD83D\xDE00", u"Text");
+        KelvoUtilProgramData row(&after);
+        EXPECT_EQ(row.Title(), "Next \xF0\x9F\x98\x80");
+        EXPECT_EQ(row.Description(), "Text");
+    }
 }
 
 }  // namespace

@@ -24,6 +24,29 @@ std::string TextOf(const std::vector<char> &buffer)
     return std::string(buffer.data(), strnlen(buffer.data(), buffer.size()));
 }
 
+const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);  // NOLINT(performance-no-int-to-ptr): iconv's own
+
+// The thread's converter from UTF-16BE to UTF-8, reset to its initial state: a dump converts two
+// texts per programme, and opening a converter for each cost more than converting the text.
+// kNoConverter while none can be opened; the next text tries again.
+iconv_t Utf16BEToUtf8()
+{
+    struct Converter {
+        iconv_t handle = kNoConverter;
+        ~Converter()
+        {
+            if (handle != kNoConverter)
+                iconv_close(handle);
+        }
+    };
+    thread_local Converter converter;
+    if (converter.handle == kNoConverter)
+        converter.handle = iconv_open("UTF-8", "UTF-16BE");
+    else
+        iconv(converter.handle, nullptr, nullptr, nullptr, nullptr);
+    return converter.handle;
+}
+
 using TextReader = bool (TCProgramData::*)(unsigned short *, unsigned int *);
 
 // Reads a UTF-16 text of the record into a zeroed buffer of length + 1 units; returns the
@@ -116,9 +139,8 @@ void KelvoUtilProgramData::SetDescriptionFromTVS(const TCProgramData &event)
 void KelvoUtilProgramData::Unicode2Utf8(char *out, unsigned int outSize, char *in, unsigned int inBytes)
 {
     try {
-        iconv_t converter = iconv_open("UTF-8", "UTF-16BE");
-        // iconv_open's failure value is the handle (iconv_t)-1.
-        if (converter == reinterpret_cast<iconv_t>(-1)) {  // NOLINT(performance-no-int-to-ptr)
+        iconv_t converter = Utf16BEToUtf8();
+        if (converter == kNoConverter) {
             KELVO_UTIL_LOG("Iconv open failed");
             return;
         }
@@ -129,7 +151,6 @@ void KelvoUtilProgramData::Unicode2Utf8(char *out, unsigned int outSize, char *i
         if (iconv(converter, &inPtr, &inLeft, &outPtr, &outLeft) == static_cast<size_t>(-1)) {
             KELVO_UTIL_LOG("iconv failed: %d", errno);
         }
-        iconv_close(converter);
     } catch (...) {
         KELVO_UTIL_LOG("There is some problem on text encoding.");
     }
