@@ -73,9 +73,9 @@ popup_start() {
         export XAUTHORITY="${XAUTHORITY:-${HOME:-/nonexistent}/.Xauthority}" HOME="$dir/home"
         export XDG_CACHE_HOME="$dir/home/cache" XDG_CONFIG_HOME="$dir/home/config" XDG_RUNTIME_DIR="$dir/home/run"
         export EINA_LOG_BACKTRACE=0
-        # In the asan preset: what EFL itself keeps to the end is not ours to report.
-        # What EFL frees only partly must be told apart by the libraries on the whole stack of its
-        # allocation, which only the slow unwinder gives.
+        # In the asan preset: what EFL itself keeps to the end is not ours to report. It is told
+        # apart by the libraries on the whole stack of its allocation, which only the slow
+        # unwinder gives.
         export LSAN_OPTIONS="${LSAN_OPTIONS:+$LSAN_OPTIONS:}suppressions=$POPUP_LSAN_SUPPRESSIONS"
         export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}fast_unwind_on_malloc=0"
         mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
