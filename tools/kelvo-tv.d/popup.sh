@@ -24,7 +24,7 @@ popup_display_start() {
     Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp 3>"$dir/display" >"$dir/xvfb.log" 2>&1 &
     POPUP_XVFB_PID=$!
     for ((i = 0; i < 100; i++)); do
-        number=$(tr -dc '0-9' <"$dir/display" 2>/dev/null)
+        number=$(tr -dc '0-9' 2>/dev/null <"$dir/display")  # the file may not be made yet
         [ -n "$number" ] && break
         kill -0 "$POPUP_XVFB_PID" 2>/dev/null || break
         sleep 0.1
